@@ -1,0 +1,38 @@
+# korvex_floor(NAME FOLDER [SUBFOLDERS a b] [LINKS floor...] [PRIVATE_LINKS library...])
+#
+# One floor of the house: a static library of FOLDER's own .cpp files. Its headers are reached as
+# "FOLDER/header.h" through an include folder of its own that holds nothing but links to them, so
+# that a floor which does not link this one cannot include it: the build itself refuses.
+function(korvex_floor name folder)
+  cmake_parse_arguments(FLOOR "" "" "SUBFOLDERS;LINKS;PRIVATE_LINKS" ${ARGN})
+  set(source_root "${PROJECT_SOURCE_DIR}/src")
+  set(include_root "${PROJECT_BINARY_DIR}/floors/${name}")
+
+  set(sources "")
+  foreach(part "${folder}" ${FLOOR_SUBFOLDERS})
+    if(NOT part STREQUAL folder)
+      set(part "${folder}/${part}")
+    endif()
+    file(GLOB part_sources CONFIGURE_DEPENDS "${source_root}/${part}/*.cpp")
+    file(GLOB part_headers CONFIGURE_DEPENDS "${source_root}/${part}/*.h")
+    list(APPEND sources ${part_sources})
+    file(MAKE_DIRECTORY "${include_root}/${part}")
+    foreach(header ${part_headers})
+      get_filename_component(header_name "${header}" NAME)
+      file(CREATE_LINK "${header}" "${include_root}/${part}/${header_name}" SYMBOLIC)
+    endforeach()
+  endforeach()
+
+  if(sources)
+    add_library(korvex_${name} STATIC ${sources})
+    set(reach PUBLIC)
+    target_link_libraries(korvex_${name} PRIVATE ${FLOOR_PRIVATE_LINKS})
+  else()
+    add_library(korvex_${name} INTERFACE)
+    set(reach INTERFACE)
+  endif()
+  target_include_directories(korvex_${name} ${reach} "${include_root}")
+  foreach(floor ${FLOOR_LINKS})
+    target_link_libraries(korvex_${name} ${reach} ${floor})
+  endforeach()
+endfunction()

@@ -1,0 +1,110 @@
+// How each kind of control behaves.
+#include "forms/controls.h"
+
+#include <utility>
+
+#include "forms/form.h"
+
+namespace korvex::forms {
+
+CheckBox::CheckBox(Form& form, std::string name, std::string caption)
+    : Control(form, ControlKind::CheckBox, std::move(name), std::move(caption)) {
+  Value.changed += [this] { Click.raise(); };
+}
+
+std::string CheckBox::stateText() const {
+  if (Value == vbGrayed) return "grey";
+  return Value == vbChecked ? "checked" : "unchecked";
+}
+
+OptionButton::OptionButton(Form& form, std::string name, std::string caption, std::string group)
+    : Control(form, ControlKind::OptionButton, std::move(name), std::move(caption)),
+      group_(std::move(group)) {
+  Value.changed += [this] {
+    if (!Value) return;
+    for (Control* control : this->form().controls()) {
+      auto* other = dynamic_cast<OptionButton*>(control);
+      if (other != nullptr && other != this && other->group_ == group_) other->Value = false;
+    }
+    Click.raise();
+  };
+}
+
+std::string OptionButton::stateText() const { return Value ? "selected" : "not selected"; }
+
+TextBox::TextBox(Form& form, std::string name, TextBoxOptions options)
+    : Control(form, ControlKind::TextBox, std::move(name), ""), options_(options) {
+  Text.changed += [this] { Change.raise(); };
+}
+
+std::string TextBox::stateText() const { return Text; }
+
+std::string ListControl::stateText() const {
+  return ListIndex < 0 ? "" : items_[static_cast<std::size_t>(ListIndex.get())];
+}
+
+void ListControl::AddItem(std::string item) {
+  items_.push_back(std::move(item));
+  itemsChanged.raise();
+}
+
+void ListControl::RemoveItem(int index) {
+  if (index < 0 || index >= ListCount()) return;
+  const int selected = ListIndex;
+  // The selection goes first: no handler may see an index past the end.
+  if (selected == index) ListIndex = -1;
+  items_.erase(items_.begin() + index);
+  itemsChanged.raise();
+  if (selected > index) ListIndex = selected - 1;
+}
+
+void ListControl::Clear() {
+  ListIndex = -1;
+  items_.clear();
+  itemsChanged.raise();
+}
+
+ListBox::ListBox(Form& form, std::string name, int visibleRows)
+    : ListControl(form, ControlKind::ListBox, std::move(name), ""), visibleRows_(visibleRows) {
+  ListIndex.changed += [this] { Click.raise(); };
+}
+
+ComboBox::ComboBox(Form& form, std::string name, Style style)
+    : ListControl(form, ControlKind::ComboBox, std::move(name), ""), style_(style) {
+  ListIndex.changed += [this] {
+    if (ListIndex >= 0) Text = items()[static_cast<std::size_t>(ListIndex.get())];
+    Click.raise();
+  };
+  Text.changed += [this] { Change.raise(); };
+}
+
+std::string ComboBox::stateText() const { return Text; }
+
+CommandButton::CommandButton(Form& form, std::string name, std::string caption, Role role)
+    : Control(form, ControlKind::CommandButton, std::move(name), std::move(caption)), role_(role) {}
+
+std::string CommandButton::stateText() const { return ""; }
+
+void CommandButton::press() {
+  if (Enabled && Visible) Click.raise();
+}
+
+Label::Label(Form& form, std::string name, std::string caption, Control* buddy)
+    : Control(form, ControlKind::Label, std::move(name), std::move(caption)), buddy_(buddy) {
+  if (buddy_ != nullptr && buddy_->AccessibleName->empty()) {
+    buddy_->AccessibleName = plainCaption(Caption.get());
+  }
+}
+
+std::string Label::stateText() const { return plainCaption(Caption.get()); }
+
+TabStrip::TabStrip(Form& form, std::string name, std::vector<Tab> tabs)
+    : Control(form, ControlKind::TabStrip, std::move(name), ""), tabs_(std::move(tabs)) {
+  SelectedItem.changed += [this] { Click.raise(); };
+}
+
+std::string TabStrip::stateText() const {
+  return tabs_.at(static_cast<std::size_t>(SelectedItem.get() - 1)).caption;
+}
+
+}  // namespace korvex::forms

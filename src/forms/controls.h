@@ -1,0 +1,148 @@
+// The kinds of controls. Assigning a value from code raises the same event as the user's hand.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "forms/control.h"
+
+namespace korvex::forms {
+
+enum CheckValue { vbUnchecked = 0, vbChecked = 1, vbGrayed = 2 };
+
+class CheckBox : public Control {
+ public:
+  CheckBox(Form& form, std::string name, std::string caption = "");
+  std::string stateText() const override;
+
+  Property<int> Value{vbUnchecked};  // a CheckValue
+  Event Click;                       // raised whenever Value changes
+};
+
+// One of several in its group; the others clear themselves when one is set.
+class OptionButton : public Control {
+ public:
+  OptionButton(Form& form, std::string name, std::string caption, std::string group);
+  std::string stateText() const override;
+  const std::string& group() const { return group_; }
+
+  Property<bool> Value{false};
+  Event Click;  // raised when the button is set
+
+ private:
+  std::string group_;
+};
+
+struct TextBoxOptions {
+  int maxLength = 0;  // characters; 0 is unlimited
+  int widthInCharacters = 20;
+  bool multiLine = false;
+  bool password = false;
+  bool readOnly = false;
+};
+
+class TextBox : public Control {
+ public:
+  TextBox(Form& form, std::string name, TextBoxOptions options = {});
+  std::string stateText() const override;
+  const TextBoxOptions& options() const { return options_; }
+
+  Property<std::string> Text;
+  Event Change;     // raised whenever Text changes
+  Event LostFocus;  // the user leaves the field
+
+ private:
+  TextBoxOptions options_;
+};
+
+// What lists and combo boxes share: items, and the index of the selected one (-1 for none).
+class ListControl : public Control {
+ public:
+  using Control::Control;
+  std::string stateText() const override;
+
+  void AddItem(std::string item);
+  void RemoveItem(int index);  // the selection goes with a selected item
+  void Clear();
+  const std::vector<std::string>& items() const { return items_; }
+  int ListCount() const { return static_cast<int>(items_.size()); }
+
+  Property<int> ListIndex{-1};
+  Event Click;         // raised whenever ListIndex changes
+  Event itemsChanged;  // for the view
+  Event DblClick;
+
+ private:
+  std::vector<std::string> items_;
+};
+
+class ListBox : public ListControl {
+ public:
+  ListBox(Form& form, std::string name, int visibleRows = 8);
+  int visibleRows() const { return visibleRows_; }
+
+ private:
+  int visibleRows_;
+};
+
+class ComboBox : public ListControl {
+ public:
+  enum class Style { DropDown, DropDownList };
+  ComboBox(Form& form, std::string name, Style style = Style::DropDownList);
+  std::string stateText() const override;
+  Style style() const { return style_; }
+
+  Property<std::string> Text;  // follows the selection; free text with Style::DropDown
+  Event Change;
+
+ private:
+  Style style_;
+};
+
+class CommandButton : public Control {
+ public:
+  enum class Role { Plain, Default, Cancel };  // answers Enter, answers Escape
+  CommandButton(Form& form, std::string name, std::string caption, Role role = Role::Plain);
+  std::string stateText() const override;
+  Role role() const { return role_; }
+  // Presses the button as the user does: a disabled or hidden one does nothing.
+  void press();
+
+  Event Click;
+
+ private:
+  Role role_;
+};
+
+// A text; with a buddy its mnemonic moves to that control, and names it for screen readers.
+class Label : public Control {
+ public:
+  Label(Form& form, std::string name, std::string caption, Control* buddy = nullptr);
+  std::string stateText() const override;
+  Control* buddy() const { return buddy_; }
+
+ private:
+  Control* buddy_;
+};
+
+struct Tab {
+  std::string caption;
+  std::string key;
+  std::string toolTip;
+};
+
+class TabStrip : public Control {
+ public:
+  TabStrip(Form& form, std::string name, std::vector<Tab> tabs);
+  std::string stateText() const override;
+  const std::vector<Tab>& tabs() const { return tabs_; }
+
+  Property<int> SelectedItem{1};  // counts from 1
+  Event Click;
+
+ private:
+  std::vector<Tab> tabs_;
+};
+
+}  // namespace korvex::forms
