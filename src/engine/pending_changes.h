@@ -1,0 +1,45 @@
+// The store of pending changes: a click is recorded in the registry at once, and carried out on
+// Apply. The registry is the queue; nothing is held in memory.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/tweak.h"
+#include "forms/form_book.h"
+#include "foundation/session.h"
+
+namespace korvex::engine {
+
+class PendingChanges {
+ public:
+  PendingChanges(foundation::Session& session, forms::FormBook& formBook);
+
+  // Records a click on c: state value, marker, and the owner's Apply button (cmdApply of the
+  // bank's form). bOffice: refused, and the box flipped back, while Office applications run.
+  void p_SetForApply(forms::Control& c, std::string_view sValueName, std::string_view sRoutine,
+                     int iBank, bool bOffice);
+
+  // Routine names waiting in a bank, in the registry's order of enumeration.
+  std::vector<std::string> waiting(Bank bank) const;
+  // How many changes wait in the main window's two banks.
+  int count() const;
+
+  // At start-up: what each option of bank 1 is now, for the way back.
+  void p_FillLoadValues();
+  // At closing: options that were not applied get their old values back, and the run's keys go.
+  void p_DestroyUserPrefSubKeys();
+
+  // Tells that a change was recorded or carried out (for status bars).
+  forms::Event changed;
+  // Whether Office applications run; the Office subsystem sets it. Unset means no.
+  std::function<bool()> p_CheckForLoadedAppsRestore;
+
+ private:
+  foundation::Session& session_;
+  forms::FormBook& formBook_;
+};
+
+}  // namespace korvex::engine

@@ -1,0 +1,30 @@
+// Readers: what state a machine is in, for one tweak or into every control of a form.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "engine/tweak.h"
+#include "forms/form.h"
+#include "foundation/session.h"
+
+namespace korvex::engine {
+
+// Whether the machine's Windows has the tweak; if not, Unavailable with the reason.
+TweakState availability(const Tweak& tweak, const foundation::Session& session);
+
+// The state of the machine, the writer's inverse: On when the machine holds what a checked box
+// would write. Reads only. Data and type are compared; a missing key is Off, and "delete" is
+// satisfied by a missing value.
+TweakState readState(const Tweak& tweak, foundation::Session& session);
+
+// A text field's text: the value there, or the row's default.
+std::string readText(const Tweak& tweak, foundation::Session& session);
+
+// Sets the control of every row of the form to the machine's state and stores the state values.
+// Called with g_bNoRecord set. A row whose control the form does not have is left out. progress is
+// called with the percentage done, where given.
+void readIntoForm(forms::Form& form, foundation::Session& session,
+                  const std::function<void(int)>& progress = {});
+
+}  // namespace korvex::engine

@@ -1,0 +1,98 @@
+// One tweak is one row of data: the routine that RegWorker calls, the reader that sets the box, the
+// check box, the line in "korvex list" and the page of the manual all come from it.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/registry.h"
+
+namespace korvex::foundation {
+class Session;
+}
+
+namespace korvex::engine {
+
+class RegWorker;
+struct Tweak;
+
+using Root = platform::HKEY;
+constexpr Root HKCR = platform::HKEY_CLASSES_ROOT;
+constexpr Root HKCU = platform::HKEY_CURRENT_USER;
+constexpr Root HKLM = platform::HKEY_LOCAL_MACHINE;
+
+// The settings banks, by the numbers that p_SetForApply takes.
+enum class Bank : std::int16_t {
+  Configuration = 1,  // the program's own options
+  MainWindow = 2,
+  WinTweaksII = 3,
+  NT4_Win2KCont = 4,
+  NTServer = 5,
+  NTDebug = 6,
+  Office = 7,
+  MoreSecurity = 8,
+  DrWat = 9,
+};
+
+// The pages of the main window, by the index of their tab.
+enum class Page { Security = 1, WinTweaks, Windows9x, NT4Win2K, MSOffice, Registry, Options };
+
+// On which Windows a tweak exists, as a set of bits.
+using Families = std::uint8_t;
+constexpr Families kWin95 = 1, kWin98 = 2, kWinMe = 4, kNT4 = 8, kWin2000 = 16;
+constexpr Families k9x = kWin95 | kWin98 | kWinMe;
+constexpr Families kNT = kNT4 | kWin2000;
+constexpr Families kEvery = k9x | kNT;
+
+// A value as a row tells it: a DWORD, a text, or "delete the value".
+struct RowValue {
+  enum class Kind : std::uint8_t { Delete, Number, Text };
+  Kind kind = Kind::Delete;
+  std::int32_t number = 0;
+  std::string_view text;
+
+  constexpr bool operator==(const RowValue&) const = default;
+};
+constexpr RowValue kDelete{};
+constexpr RowValue dword(std::int32_t number) { return {RowValue::Kind::Number, number, {}}; }
+constexpr RowValue text(std::string_view text) { return {RowValue::Kind::Text, 0, text}; }
+
+// What a machine has of a tweak.
+struct TweakState {
+  enum class Kind { Off, On, Grey, Unavailable };
+  Kind kind = Kind::Off;
+  std::string_view reason;  // why it is unavailable, for people
+};
+
+enum class ControlShape : std::uint8_t { CheckBox, TextBox };
+
+// A row that the engine's mode table cannot carry out names the member that does; a row whose
+// state is more than its one value names its reader.
+using Special = bool (RegWorker::*)(const Tweak&);
+using SpecialReader = TweakState (*)(const Tweak&, foundation::Session&);
+
+struct Tweak {
+  std::string_view property;  // "P_rwRun": name of the routine and of its marker
+  Root root = HKCU;
+  std::string_view key;
+  std::string_view value;  // "" is the key's default value
+  std::int16_t mode = 0;   // 0 to 21, see modes.h
+  RowValue byDefault;      // written in restore-defaults mode
+  RowValue onValue;        // modes 3, 6, 10, 13 and 17
+  bool reboot = false;
+  Bank bank = Bank::MainWindow;
+  std::string_view stateName;  // name of the state value: "Defrag"
+  std::string_view form = "frmMain";
+  std::string_view control;     // "chkHideRun"
+  std::string_view buddy = {};  // label of a text box: its control name is "lbl" + this
+  ControlShape shape = ControlShape::CheckBox;
+  Page page = Page::Security;
+  std::string_view group;    // title of the frame it stands in
+  std::string_view caption;  // '&' marks the mnemonic
+  std::string_view toolTip;
+  Families families = kEvery;
+  Special special = nullptr;
+  SpecialReader reader = nullptr;
+};
+
+}  // namespace korvex::engine
