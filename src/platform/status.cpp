@@ -14,6 +14,7 @@ constexpr auto kWords = std::to_array<std::pair<Status, const char*>>({
     {ERROR_ACCESS_DENIED, "access is denied"},
     {ERROR_INVALID_HANDLE, "the handle is invalid"},
     {ERROR_INVALID_DATA, "the data is invalid"},
+    {ERROR_OUTOFMEMORY, "there is not enough memory"},
     {ERROR_NOT_READY, "the device is not ready"},
     {ERROR_WRITE_PROTECT, "the machine is read-only"},
     {ERROR_GEN_FAILURE, "a device attached to the system is not functioning"},
@@ -37,6 +38,8 @@ constexpr auto kWords = std::to_array<std::pair<Status, const char*>>({
     {ERROR_NOT_REGISTRY_FILE, "the file is not a registry"},
     {ERROR_KEY_DELETED, "the key has been deleted"},
     {ERROR_NO_UNICODE_TRANSLATION, "the machine's code page cannot hold the text"},
+    {ERROR_CANCELLED, "the change was given up"},
+    {ERROR_PRIVILEGE_NOT_HELD, "a required privilege is not held"},
 });
 
 }  // namespace

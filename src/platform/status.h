@@ -15,6 +15,7 @@ constexpr Status ERROR_PATH_NOT_FOUND = 3;
 constexpr Status ERROR_ACCESS_DENIED = 5;
 constexpr Status ERROR_INVALID_HANDLE = 6;
 constexpr Status ERROR_INVALID_DATA = 13;
+constexpr Status ERROR_OUTOFMEMORY = 14;
 constexpr Status ERROR_NOT_READY = 21;
 constexpr Status ERROR_WRITE_PROTECT = 19;
 constexpr Status ERROR_GEN_FAILURE = 31;
@@ -38,6 +39,8 @@ constexpr Status ERROR_REGISTRY_IO_FAILED = 1016;
 constexpr Status ERROR_NOT_REGISTRY_FILE = 1017;
 constexpr Status ERROR_KEY_DELETED = 1018;
 constexpr Status ERROR_NO_UNICODE_TRANSLATION = 1113;
+constexpr Status ERROR_CANCELLED = 1223;
+constexpr Status ERROR_PRIVILEGE_NOT_HELD = 1314;
 
 // "5 (access is denied)": the number and Windows' own words for it, for people.
 std::string describeStatus(Status status);

@@ -1,0 +1,46 @@
+// A machine made of another one with some of its parts replaced: decorators for dry runs, records
+// and faults go in here.
+#pragma once
+
+#include <memory>
+
+#include "platform/machine.h"
+
+namespace korvex::platform {
+
+// Null: the inner machine's own part. Parts are not owned. A replaced part serves its callers only:
+// the inner machine's other parts (its registry editor, say) keep using the original.
+struct MachineParts {
+  Registry* registry = nullptr;
+  Files* files = nullptr;
+  InitFiles* initFiles = nullptr;
+  Processes* processes = nullptr;
+  Restart* restart = nullptr;
+};
+
+class ComposedMachine : public Machine {
+ public:
+  ComposedMachine(Machine& inner, MachineParts parts) : inner_(inner), parts_(parts) {}
+
+  Registry& registry() override { return parts_.registry ? *parts_.registry : inner_.registry(); }
+  InitFiles& initFiles() override {
+    return parts_.initFiles ? *parts_.initFiles : inner_.initFiles();
+  }
+  Files& files() override { return parts_.files ? *parts_.files : inner_.files(); }
+  SystemInfo& systemInfo() override { return inner_.systemInfo(); }
+  Processes& processes() override {
+    return parts_.processes ? *parts_.processes : inner_.processes();
+  }
+  Restart& restart() override { return parts_.restart ? *parts_.restart : inner_.restart(); }
+  Windows& windows() override { return inner_.windows(); }
+  MachineDescription describe() override { return inner_.describe(); }
+  std::unique_ptr<InstanceClaim> claimInstance(Wait wait) override {
+    return inner_.claimInstance(wait);
+  }
+
+ private:
+  Machine& inner_;
+  MachineParts parts_;
+};
+
+}  // namespace korvex::platform
