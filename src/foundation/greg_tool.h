@@ -86,7 +86,6 @@ class GRegTool {
 
   platform::Registry& registry_;
   platform::SystemInfo& systemInfo_;
-  HKEY enumeratedValuesKey_ = 0;
   HKEY enumeratedNodesKey_ = 0;
   std::uint32_t longestSubKeyName_ = 0;
 };
