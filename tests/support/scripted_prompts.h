@@ -12,7 +12,7 @@
 
 #include "platform/prompts.h"
 
-namespace korvex::tests {
+namespace korvex::test {
 
 struct ShownMessage {
   std::string text;
@@ -77,4 +77,4 @@ class ScriptedPrompts : public platform::Prompts {
   }
 };
 
-}  // namespace korvex::tests
+}  // namespace korvex::test
