@@ -36,7 +36,7 @@ std::string versionStart(unsigned major, unsigned minor) {
 }
 
 std::string kernelVersion(Session& session) {
-  const std::string version = GetFileVersion(session, session.g_sWinSysDir + "Kernel32.dll");
+  std::string version = GetFileVersion(session, session.g_sWinSysDir + "Kernel32.dll");
   // A machine whose Kernel32.dll tells nothing still knows what it is.
   if (!version.empty()) return version;
   return versionStart(session.g_verInfo.majorVersion, session.g_verInfo.minorVersion);

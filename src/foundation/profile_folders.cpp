@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <vector>
 
 #include "foundation/detection.h"
 #include "foundation/reg_value.h"
@@ -95,6 +96,15 @@ bool stands(Session& session, const Registration& wanted) {
   return session.regTool.GetRegStr(wanted.key, wanted.name, HKEY_LOCAL_MACHINE) == wanted.data;
 }
 
+// Not there, and not merely unreadable or of another type.
+bool absent(Session& session, std::string_view path, std::string_view name) {
+  OpenKey key(session.registry(), HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE);
+  if (key.status() != ERROR_SUCCESS) return key.status() == ERROR_FILE_NOT_FOUND;
+  std::uint32_t size = 0;
+  return session.registry().RegQueryValueExA(key.get(), name, nullptr, nullptr, &size) ==
+         ERROR_FILE_NOT_FOUND;
+}
+
 Status write(Session& session, const std::vector<Registration>& missing) {
   RegistryChange change(session.registry());
   if (change.status() != ERROR_SUCCESS) return change.status();
@@ -156,7 +166,7 @@ void registerProgramPath(Session& session) {
     if (!stands(session, row)) missing.push_back(row);
   }
   // The person may have chosen another folder for saved settings: that choice stays.
-  if (stands(session, {kConfiguration, "RegPath", ""})) {
+  if (absent(session, kConfiguration, "RegPath")) {
     missing.push_back({kConfiguration, "RegPath", "Registry"});
   }
   if (missing.empty()) return;
