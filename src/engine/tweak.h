@@ -74,23 +74,25 @@ using SpecialReader = TweakState (*)(const Tweak&, foundation::Session&);
 struct Tweak {
   std::string_view property;  // "P_rwRun": name of the routine and of its marker
   Root root = HKCU;
-  std::string_view key;
-  std::string_view value;  // "" is the key's default value
-  std::int16_t mode = 0;   // 0 to 21, see modes.h
-  RowValue byDefault;      // written in restore-defaults mode
-  RowValue onValue;        // modes 3, 6, 10, 13 and 17
+  std::string_view key = {};
+  std::string_view value = {};  // "" is the key's default value
+  std::int16_t mode = 0;        // 0 to 21, see modes.h
+  RowValue byDefault = {};      // written in restore-defaults mode
+  RowValue onValue = {};        // modes 3, 6, 10, 13 and 17
   bool reboot = false;
   Bank bank = Bank::MainWindow;
-  std::string_view stateName;  // name of the state value: "Defrag"
+  std::string_view stateName = {};  // name of the state value: "Defrag"
   std::string_view form = "frmMain";
-  std::string_view control;     // "chkHideRun"
-  std::string_view buddy = {};  // label of a text box: its control name is "lbl" + this
+  std::string_view control = {};  // "chkHideRun"
+  std::string_view buddy = {};    // label of a text box: its control name is "lbl" + this
   ControlShape shape = ControlShape::CheckBox;
   Page page = Page::Security;
-  std::string_view group;    // title of the frame it stands in
-  std::string_view caption;  // '&' marks the mnemonic
-  std::string_view toolTip;
+  std::string_view group = {};    // title of the frame it stands in
+  std::string_view caption = {};  // '&' marks the mnemonic
+  std::string_view toolTip = {};
   Families families = kEvery;
+  // Of these, the Windows that have it only with the desktop update of Internet Explorer 4.
+  Families needsDesktopUpdate = 0;
   Special special = nullptr;
   SpecialReader reader = nullptr;
 };
