@@ -1,0 +1,70 @@
+// The program's own options. A row's value and its state value are one and the same here: both
+// stand in Configuration under the option's name.
+#include <array>
+
+#include "engine/catalogue/rows.h"
+#include "engine/reg_worker.h"
+
+namespace korvex::engine {
+namespace {
+
+constexpr Tweak option(std::string_view property, std::string_view value, std::string_view control,
+                       std::string_view group, std::string_view caption, std::string_view toolTip,
+                       Special special = nullptr) {
+  return {.property = property,
+          .root = HKLM,
+          .key = kConfigurationKey,
+          .value = value,
+          .mode = 0,
+          .byDefault = dword(0),
+          .bank = Bank::Configuration,
+          .stateName = value,
+          .control = control,
+          .page = Page::Options,
+          .group = group,
+          .caption = caption,
+          .toolTip = toolTip,
+          .special = special};
+}
+
+constexpr std::string_view kProgram = "Korvex";
+constexpr std::string_view kAtRestart = "At each restart of Windows";
+
+constexpr std::array kRows{
+    option("P_rwNoShowConfirmation", "NoShowConfirmation", "chkNoShowConfirmation", kProgram,
+           "Do not show &confirmation messages",
+           "Carries out commands without asking first...default is unchecked"),
+    option("P_rwNoShowReboot", "NoShowReboot", "chkNoShowReboot", kProgram,
+           "Do not &offer a restart when leaving",
+           "Never asks to restart Windows when Korvex closes...default is unchecked"),
+    option("P_rwNoSaveTab", "NoSaveTab", "chkNoSaveTab", kProgram, "Do not remember the last &page",
+           "Opens Korvex on its first page each time...default is unchecked"),
+    option("P_rwNoSaveWindPos", "NoSaveWindPos", "chkNoSaveWindPos", kProgram,
+           "Do not remember the &window position",
+           "Opens Korvex in the middle of the screen each time...default is unchecked"),
+    option("P_rwClearRUNReboot", "ClearRUNReboot", "chkClearRUNReboot", kAtRestart,
+           "Clear the R&un list",
+           "Clears the commands typed into Run when Windows starts...default is unchecked",
+           &RegWorker::p_rwClearAtRestart),
+    option("P_rwClearMRUsReboot", "ClearMRUsReboot", "chkClearMRUsReboot", kAtRestart,
+           "Clear all lists of &most recently used items",
+           "Clears the lists of files and searches used last when Windows starts"
+           "...default is unchecked",
+           &RegWorker::p_rwClearAtRestart),
+    option("P_rwClearDocsReboot", "ClearDOCSReboot", "chkClearDOCSReboot", kAtRestart,
+           "Clear the Start menu's document &list",
+           "Empties Documents on the Start menu when Windows starts...default is unchecked",
+           &RegWorker::p_rwClearAtRestart),
+    option("P_rwClearIEURLListReboot", "ClearIEURLListReboot", "chkClearIEURLListReboot",
+           kAtRestart, "Clear Internet Explorer's &typed addresses",
+           "Clears the addresses typed into Internet Explorer when Windows starts"
+           "...default is unchecked",
+           &RegWorker::p_rwClearAtRestart),
+};
+static_assert(propertiesAreUnique(kRows) && modesAreKnown(kRows));
+
+}  // namespace
+
+std::span<const Tweak> optionRows() { return kRows; }
+
+}  // namespace korvex::engine

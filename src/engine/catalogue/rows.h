@@ -1,0 +1,46 @@
+// The tables of the catalogue, by area, and what the compiler checks of each.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "engine/modes.h"
+#include "engine/same_name.h"
+#include "engine/tweak.h"
+
+namespace korvex::engine {
+
+std::span<const Tweak> optionRows();
+std::span<const Tweak> desktopRows();
+std::span<const Tweak> securityRows();
+std::span<const Tweak> systemRows();
+
+// Keys that several rows share.
+constexpr std::string_view kConfigurationKey = "SOFTWARE\\Korvex\\Configuration";
+constexpr std::string_view kDesktopKey = "Control Panel\\Desktop";
+constexpr std::string_view kPoliciesExplorer =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer";
+constexpr std::string_view kPoliciesSystem =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\System";
+constexpr std::string_view kPoliciesNetwork =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Network";
+
+// Without regard to case: the registry and the call by name know none.
+constexpr bool propertiesAreUnique(std::span<const Tweak> rows) {
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (sameName(rows[i].property, rows[j].property)) return false;
+    }
+  }
+  return true;
+}
+
+constexpr bool modesAreKnown(std::span<const Tweak> rows) {
+  for (const Tweak& row : rows) {
+    if (row.mode < 0 || static_cast<std::size_t>(row.mode) >= kModes.size()) return false;
+  }
+  return true;
+}
+
+}  // namespace korvex::engine
