@@ -1,0 +1,139 @@
+// The engine of RegWorker: the call by name, the mode table carried out, the end of a pending
+// change. Routines with work of their own stand in specials.cpp and help_file.cpp.
+#include "engine/reg_worker.h"
+
+#include <fmt/format.h>
+
+#include "engine/catalogue.h"
+#include "engine/pending_changes.h"
+#include "foundation/reg_value.h"
+#include "foundation/runtime_error.h"
+
+namespace korvex::engine {
+
+using foundation::RuntimeError;
+using foundation::Variant;
+using platform::Status;
+using Act = Decision::Act;
+
+RegWorker::RegWorker(foundation::Session& session, forms::FormBook& formBook)
+    : session_(session), formBook_(formBook) {}
+
+bool RegWorker::knows(std::string_view property) const {
+  const Tweak* tweak = findTweak(property);
+  // A routine has one name; the short form is for people.
+  return tweak != nullptr && tweak->property.size() == property.size();
+}
+
+bool RegWorker::call(std::string_view property) {
+  if (!knows(property)) {
+    throw RuntimeError(foundation::kErrorNoSuchRoutine,
+                       fmt::format("RegWorker has no routine named {}.", property), "RegWorker");
+  }
+  const Tweak& tweak = *findTweak(property);
+  // Before the bracket: loading a form reads and records what the machine has.
+  formBook_.load(tweak.form);
+
+  bLastWriteFailed = false;
+  lastStatus = platform::ERROR_SUCCESS;
+  notice_.clear();
+  const bool rebootNeededBefore = session_.g_bRebootNeeded;
+  {
+    platform::RegistryChange change(session_.registry());
+    const bool done =
+        keep(change.status()) &&
+        (tweak.special != nullptr ? (this->*tweak.special)(tweak) : p_rwWriteRegChanges(tweak));
+    if (done) keep(change.commit());
+  }
+  if (bLastWriteFailed) session_.g_bRebootNeeded = rebootNeededBefore;
+  if (!notice_.empty()) {
+    session_.prompts().messageBox(notice_, platform::kButtonsOk | noticeIcon_,
+                                  foundation::kAppTitle);
+  }
+  return !bLastWriteFailed;
+}
+
+bool RegWorker::p_rwWriteRegChanges(const Tweak& tweak) {
+  session_.trace.enter(fmt::format("[p_rwWriteRegChanges_{}]", tweak.property));
+  const Decision decision = decisionFor(tweak);
+  bool done = true;
+  switch (decision.act) {
+    case Act::Write:
+      done = p_MakeTheRegChange(tweak, decision.value);
+      break;
+    case Act::Remember:
+      vCurrentValue = decision.value;
+      return endPendingChange(tweak);
+    case Act::DeleteKey: {
+      const Status status = session_.regTool.DeleteRegNodes(tweak.root, tweak.key);
+      return keep(status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status) &&
+             endPendingChange(tweak);
+    }
+    case Act::SwapHelpFile:
+    case Act::RestoreHelpFile:
+      done = p_rwFlipTheHelpFile(decision.act == Act::SwapHelpFile) && endPendingChange(tweak);
+      break;
+  }
+  // No "or": the routine that ran last decides.
+  if (done) session_.g_bRebootNeeded = tweak.reboot;
+  return done;
+}
+
+bool RegWorker::p_MakeTheRegChange(const Tweak& tweak, const Variant& value) {
+  // The first comparison lets integer 0 through: it is written, though it equals false.
+  const bool deletes = !foundation::looselyEqual(value, "0") && foundation::isFalse(value);
+  vCurrentValue = value;
+  return (deletes ? remove(tweak.root, tweak.key, tweak.value)
+                  : write(tweak.root, tweak.key, tweak.value, value)) &&
+         endPendingChange(tweak);
+}
+
+int RegWorker::checkValue(const Tweak& tweak) {
+  const auto* box = formBook_.load(tweak.form).find<forms::CheckBox>(tweak.control);
+  if (box == nullptr) {
+    throw RuntimeError(foundation::kErrorInternal,
+                       fmt::format("{} has no check box {}.", tweak.form, tweak.control),
+                       std::string(tweak.property));
+  }
+  return box->Value;
+}
+
+Decision RegWorker::decisionFor(const Tweak& tweak) {
+  if (session_.g_bDefaulting) return decideDefault(tweak);
+  return decide(tweak, checkValue(tweak), vCurrentValue);
+}
+
+bool RegWorker::endPendingChange(const Tweak& tweak) {
+  const std::string marker = fmt::format("{}\\{}", bankKey(tweak.bank), tweak.property);
+  const Status status = session_.regTool.DeleteRegNodes(HKLM, marker);
+  session_.trace.dump("lRetVal&", status);
+  // Defaults and scripts run routines that were never pending.
+  if (status != platform::ERROR_SUCCESS && status != platform::ERROR_FILE_NOT_FOUND) {
+    return keep(status);
+  }
+  // From now on this is what closing must leave alone.
+  return tweak.bank != Bank::Configuration || keep(rememberOption(session_, tweak));
+}
+
+bool RegWorker::keep(Status status) {
+  if (status == platform::ERROR_SUCCESS) return true;
+  if (!bLastWriteFailed) lastStatus = status;  // the first failure is the cause of the others
+  bLastWriteFailed = true;
+  return false;
+}
+
+bool RegWorker::write(Root root, std::string_view key, std::string_view name,
+                      const Variant& value) {
+  Status status = platform::ERROR_SUCCESS;
+  foundation::P_WriteRegValue(session_, root, key, name, value, platform::KEY_ALL_ACCESS, true,
+                              &status);
+  return keep(status);
+}
+
+bool RegWorker::remove(Root root, std::string_view key, std::string_view name) {
+  const Status status = session_.regTool.DeleteRegValue(root, key, name);
+  session_.trace.dump("lRetVal&", status);
+  return keep(status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status);
+}
+
+}  // namespace korvex::engine
