@@ -10,6 +10,7 @@
 #include "engine/tweak.h"
 #include "forms/form_book.h"
 #include "foundation/session.h"
+#include "platform/status.h"
 
 namespace korvex::engine {
 
@@ -38,8 +39,17 @@ class PendingChanges {
   std::function<bool()> p_CheckForLoadedAppsRestore;
 
  private:
+  bool refusedByOffice(forms::Control& c);
+  void record(const forms::Control& c, std::string_view sValueName, std::string_view sRoutine,
+              int iBank);
+  platform::Status restoreOptions();
+
   foundation::Session& session_;
   forms::FormBook& formBook_;
 };
+
+// Keeps an option's present value as the one that closing brings back; an option that has none is
+// remembered as having none. Does nothing before p_FillLoadValues.
+platform::Status rememberOption(foundation::Session& session, const Tweak& option);
 
 }  // namespace korvex::engine

@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "engine/tweak.h"
 #include "forms/form.h"
@@ -20,6 +22,33 @@ TweakState readState(const Tweak& tweak, foundation::Session& session);
 
 // A text field's text: the value there, or the row's default.
 std::string readText(const Tweak& tweak, foundation::Session& session);
+
+// readState for many rows: each key is opened once and stays open as long as the reader.
+class StateReader {
+ public:
+  explicit StateReader(foundation::Session& session) : session_(session) {}
+  ~StateReader();
+  StateReader(const StateReader&) = delete;
+  StateReader& operator=(const StateReader&) = delete;
+
+  TweakState state(const Tweak& tweak);
+
+ private:
+  struct Opened {
+    Root root;
+    std::string_view path;  // of a row: rows are there for good
+    platform::Status status;
+    platform::HKEY key;
+  };
+  const Opened& open(Root root, std::string_view path);
+  TweakState stateOfValue(const Tweak& tweak);
+
+  foundation::Session& session_;
+  std::vector<Opened> opened_;
+};
+
+// The reader of P_rwDefrag: either of its two entries will do.
+TweakState p_DetermineDefrag(const Tweak& tweak, foundation::Session& session);
 
 // Sets the control of every row of the form to the machine's state and stores the state values.
 // Called with g_bNoRecord set. A row whose control the form does not have is left out. progress is

@@ -1,0 +1,62 @@
+// Running the routines that wait in a bank.
+#include "engine/apply.h"
+
+#include <fmt/format.h>
+
+#include "engine/catalogue.h"
+#include "forms/control.h"
+#include "foundation/error_handler.h"
+#include "foundation/reg_listing.h"
+
+namespace korvex::engine {
+namespace {
+
+// The trap of Apply: it logs as the common handler does, but asks nobody. The other changes are
+// made in any case, and the caller tells what failed in one message.
+void logError(foundation::Session& session) {
+  const foundation::RuntimeError error = foundation::currentError("cmdApply");
+  session.trace.add(
+      fmt::format("[ErrorHandler=cmdApply]{}: {}", error.number(), error.description()));
+}
+
+std::string cause(const FailedRoutine& failure) {
+  if (failure.status != platform::ERROR_SUCCESS) return platform::describeStatus(failure.status);
+  if (findTweak(failure.property) == nullptr) return "this version of Korvex has no such setting";
+  return "an error, which the log names";
+}
+
+std::string nameForPeople(const FailedRoutine& failure) {
+  const Tweak* tweak = findTweak(failure.property);
+  return tweak == nullptr ? failure.property : forms::plainCaption(tweak->caption);
+}
+
+}  // namespace
+
+std::vector<FailedRoutine> applyBank(Bank bank, foundation::Session& session,
+                                     PendingChanges& pending, RegWorker& worker) {
+  std::vector<FailedRoutine> failures;
+  const std::string markers = foundation::P_EnumRegValues(session, HKLM, bankKey(bank),
+                                                          platform::KEY_ALL_ACCESS, true, false);
+  for (const std::string& routine : foundation::splitList(markers)) {
+    try {
+      if (!worker.call(routine)) failures.push_back({routine, worker.lastStatus});
+    } catch (...) {
+      logError(session);
+      failures.push_back({routine, platform::ERROR_SUCCESS});
+    }
+  }
+  pending.changed.raise();
+  return failures;
+}
+
+std::string describeFailures(const std::vector<FailedRoutine>& failures) {
+  if (failures.empty()) return {};
+  std::string text = failures.size() == 1 ? "One change could not be made and is still waiting:"
+                                          : "Some changes could not be made and are still waiting:";
+  for (const FailedRoutine& failure : failures) {
+    text += fmt::format("\r\n{}: {}.", nameForPeople(failure), cause(failure));
+  }
+  return text + "\r\nPut the cause right and apply again, or leave to discard them.";
+}
+
+}  // namespace korvex::engine

@@ -1,0 +1,109 @@
+// Reading the state of a machine into the controls of a form.
+#include <fmt/format.h>
+
+#include <string>
+#include <vector>
+
+#include "engine/catalogue.h"
+#include "engine/readers.h"
+#include "foundation/error_handler.h"
+
+namespace korvex::engine {
+namespace {
+
+using foundation::Session;
+using Kind = TweakState::Kind;
+
+std::string readerName(const Tweak& tweak) {
+  constexpr std::string_view kPrefix = "P_rw";
+  return fmt::format("p_Determine{}", tweak.property.substr(kPrefix.size()));
+}
+
+int valueOf(Kind kind) {
+  if (kind == Kind::Grey) return forms::vbGrayed;
+  return kind == Kind::On ? forms::vbChecked : forms::vbUnchecked;
+}
+
+void disable(forms::Form& form, const Tweak& tweak, std::string_view reason) {
+  const std::string label = fmt::format("lbl{}", tweak.buddy);
+  for (forms::Control* control : {form.find(tweak.control), form.find(label)}) {
+    if (control == nullptr) continue;
+    control->Enabled = false;
+    control->ToolTipText = std::string(reason);
+  }
+}
+
+// One run over the rows of a form: the reader's keys stay open, and the state values are stored at
+// the end, so that no change is open while a person is asked or shown something.
+class FormReader {
+ public:
+  FormReader(forms::Form& form, Session& session)
+      : form_(form), session_(session), reader_(session) {}
+
+  void read(const Tweak& tweak) {
+    session_.trace.enter(fmt::format("[{}]", readerName(tweak)));
+    if (tweak.shape == ControlShape::TextBox) return readTextBox(tweak);
+    auto* box = form_.find<forms::CheckBox>(tweak.control);
+    if (box == nullptr) return;
+    const TweakState state = reader_.state(tweak);
+    if (state.kind == Kind::Unavailable) return disable(form_, tweak, state.reason);
+    box->Value = valueOf(state.kind);
+    session_.trace.dump(fmt::format("{}.Value%", tweak.control), box->Value.get());
+    // An option's state value is the option itself, which reading must not write.
+    if (tweak.bank != Bank::Configuration) {
+      states_.push_back({tweak.stateName, static_cast<std::int16_t>(box->Value.get())});
+    }
+  }
+
+  platform::Status storeStates() {
+    platform::RegistryChange change(session_.registry());
+    if (change.status() != platform::ERROR_SUCCESS) return change.status();
+    const platform::OpenKey key(session_.registry(), HKLM, stateKey(Bank::MainWindow),
+                                platform::KEY_ALL_ACCESS);
+    platform::Status status = key.status();
+    for (const StateValue& state : states_) {
+      if (status != platform::ERROR_SUCCESS) return status;
+      status = session_.regTool.CreateRegValue(state.value, key.get(), state.name);
+    }
+    return status == platform::ERROR_SUCCESS ? change.commit() : status;
+  }
+
+ private:
+  struct StateValue {
+    std::string_view name;
+    std::int16_t value;
+  };
+
+  void readTextBox(const Tweak& tweak) {
+    auto* box = form_.find<forms::TextBox>(tweak.control);
+    if (box == nullptr) return;
+    const TweakState state = availability(tweak, session_);
+    if (state.kind == Kind::Unavailable) return disable(form_, tweak, state.reason);
+    box->Text = readText(tweak, session_);
+    session_.trace.dump(fmt::format("{}.Text$", tweak.control), box->Text.get());
+  }
+
+  forms::Form& form_;
+  Session& session_;
+  StateReader reader_;
+  std::vector<StateValue> states_;
+};
+
+}  // namespace
+
+void readIntoForm(forms::Form& form, Session& session, const std::function<void(int)>& progress) {
+  std::vector<const Tweak*> rows;
+  for (const Tweak* tweak : allTweaks()) {
+    if (tweak->form == form.name()) rows.push_back(tweak);
+  }
+  FormReader reader(form, session);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const auto after =
+        foundation::guarded(session, readerName(*rows[i]), [&] { reader.read(*rows[i]); });
+    if (after == foundation::AfterError::EndProgram) return;
+    if (progress) progress(static_cast<int>((i + 1) * 100 / rows.size()));
+  }
+  session.trace.dump("lRetVal&", reader.storeStates());
+}
+
+}  // namespace korvex::engine
