@@ -3,9 +3,10 @@
 // Paths are Windows paths in UTF-8 ("C:\WINNT\system32"), with '\' or '/', compared without regard
 // to case; a long name is also found by its 8.3 short name. They never leave the machine's drive
 // folders: not by "..", not by a link, not by a device name (CON, NUL, COM1, ...). Statuses are
-// Windows': 2 no such file, 3 no such folder on the way, 5 denied (a read-only file, a folder where
-// a file was due), 123 or 161 a malformed name, 21 no such drive, 19 a read-only machine, 112 disk
-// full. A file is replaced whole: after a failure or a kill the old or the new content stands.
+// Windows': 2 no such file, 3 no such folder on the way or no such drive, 21 a drive whose folder
+// is gone, 5 denied (a read-only file, a folder where a file was due), 123 or 161 a malformed name,
+// 19 a read-only machine, 112 disk full. A file is replaced whole: after a failure or a kill the
+// old or the new content stands.
 #pragma once
 
 #include <cstdint>

@@ -24,8 +24,6 @@
 
 namespace korvex::platform {
 
-struct WindowsPath;
-
 struct DriveOptions {
   bool readOnly = false;           // every change gives 19
   bool extendedAttributes = true;  // false: attributes lie in a file beside, wherever we are
@@ -56,15 +54,18 @@ class DriveFolders : public Files {
   Status openToReplace(std::string_view path, std::unique_ptr<WholeFileWriter>& writer);
 
  private:
-  struct Place;  // a name in an open folder, found or not
+  struct Place;  // a name in an open folder, there or not
 
-  Status openDrive(char drive, FileDescriptor& folder);
-  Status openFolder(const WindowsPath& path, std::size_t parts, FileDescriptor& folder);
-  Status locate(std::string_view path, Place& place);
-  Status locateFile(std::string_view path, Place& place);
-  Status locateForWriting(std::string_view path, Place& place);
-  Status copyContent(Place& from, Place& to);
-  Status moveBetweenHosts(Place& from, Place& to);
+  Status openDrive(char drive, FileDescriptor& folder) const;
+  Status locate(std::string_view path, Place& place) const;
+  Status locateExisting(std::string_view path, Place& place) const;
+  Status locateFile(std::string_view path, Place& place) const;
+  Status checkForWriting(const Place& place) const;
+  Status locateForWriting(std::string_view path, Place& place) const;
+  Status attributesOf(const Place& place, std::uint32_t& attributes) const;
+  Status checkNotReadOnly(const Place& place) const;
+  Status copyFile(const Place& from, const Place& to) const;
+  Status renameTo(const Place& from, const Place& to) const;
 
   Map drives_;
   DriveOptions options_;

@@ -54,11 +54,15 @@ class IniDocument {
   struct Line;
 
   std::vector<Line> parse() const;
+  // The lines between the heading of the section and the next one; with the heading itself in
+  // front, so that it is empty where there is no such section.
+  std::vector<Line> sectionLines(std::string_view section) const;
+  std::vector<Line> keyLines(std::string_view section, std::string_view key) const;
   std::string decode(std::string_view bytes) const;
+  bool isNamed(const Line& line, std::string_view folded) const;
   Status encode(std::string_view text, std::string& bytes) const;
+  Status encodeLine(std::string_view key, std::string_view value, std::string& line) const;
   std::string_view lineEnd() const;
-  Status insertAfter(const Line& line, std::string_view text);
-  Status appendSection(std::string_view section, std::string_view line);
 
   std::string bytes_;
   const CodePage* codePage_;

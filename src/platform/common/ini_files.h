@@ -34,7 +34,8 @@ class IniFiles : public InitFiles {
 
  private:
   std::string pathOf(std::string_view file) const;
-  Status load(std::string_view file, std::string& bytes, bool& unicode);
+  Status load(const std::string& path, IniDocument& document, bool& unicode) const;
+  IniDocument readable(std::string_view file) const;
 
   Files& files_;
   std::string windowsFolder_;
