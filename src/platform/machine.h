@@ -32,6 +32,7 @@ struct MachineDescription {
   std::string computer;
   std::string evidence;  // how the folder was recognised
   bool readOnly = false;
+  int codePage = 1252;  // of its 8-bit text
 };
 
 // Held by the one Korvex that changes a machine; goes with the object.

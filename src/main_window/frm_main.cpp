@@ -1,0 +1,258 @@
+// The main window's life and its handlers.
+#include "main_window/frm_main.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <utility>
+
+#include "engine/readers.h"
+#include "foundation/error_handler.h"
+#include "foundation/reg_value.h"
+#include "main_window/options.h"
+#include "main_window/restart_prompt.h"
+
+namespace korvex::main_window {
+namespace {
+
+using engine::Bank;
+using forms::Layout;
+using namespace platform;
+
+constexpr std::string_view kMenuSpeedRoutine = "P_rwStartMenuSpeed";
+
+struct TabRow {
+  std::string_view caption;  // upper case
+  std::string_view stored;
+};
+constexpr std::array kTabs{
+    TabRow{"SECURITY", "1"},  TabRow{"WIN TWEAKS", "2"}, TabRow{"WINDOWS 9X", "3"},
+    TabRow{"NT4/WIN2K", "4"}, TabRow{"MS OFFICE", "5"},  TabRow{"REGISTRY", "6"},
+    TabRow{"OPTIONS", "7"},
+};
+
+std::string upperCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return text;
+}
+
+std::string_view storedTab(const std::string& caption) {
+  const std::string upper = upperCase(caption);
+  for (const TabRow& row : kTabs) {
+    if (row.caption == upper) return row.stored;
+  }
+  return "1";
+}
+
+bool isNumber(const std::string& text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+std::string machineText(platform::Machine& machine) {
+  const MachineDescription description = machine.describe();
+  std::filesystem::path folder(description.folder);
+  if (folder.filename().empty()) folder = folder.parent_path();
+  return folder.filename().string() + "  |  " + description.windows;
+}
+
+std::string countText(int changes) {
+  if (changes == 0) return "no changes waiting";
+  return changes == 1 ? "1 change waiting" : fmt::format("{} changes waiting", changes);
+}
+
+}  // namespace
+
+frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
+                 engine::PendingChanges& pending, StartOptions options)
+    : Form(kName, kCaption),
+      session_(session),
+      regWorker_(regWorker),
+      pending_(pending),
+      options_(options),
+      startUp_(session, pending, options),
+      pages_(*this),
+      txtStartMenu_(find<forms::TextBox>("txtStartMenu")) {
+  cmdApply.Enabled = false;
+  cmdApply.ToolTipText = "Write the changes to the machine";
+  cmdDone.ToolTipText = "Leave Korvex; changes that were not applied are discarded";
+  layout =
+      Layout::column({pages_.layout(tabMain),
+                      Layout::row({Layout::space(), Layout::of(cmdApply), Layout::of(cmdDone)})});
+  connect();
+}
+
+void frmMain::connect() {
+  for (const TweakControl& entry : pages_.controls()) {
+    auto* box = dynamic_cast<forms::CheckBox*>(entry.control);
+    if (box == nullptr) continue;
+    const engine::Tweak& tweak = *entry.tweak;
+    box->Click += [this, box, &tweak] {
+      trap(box->name() + "_Click", [this, box, &tweak] {
+        pending_.p_SetForApply(*box, tweak.stateName, tweak.property, static_cast<int>(tweak.bank),
+                               false);
+      });
+    };
+  }
+  if (txtStartMenu_ != nullptr) {
+    txtStartMenu_->Change +=
+        [this] { trap("txtStartMenu_Change", [this] { txtStartMenu_Change(); }); };
+  }
+  cmdApply.Click += [this] { trap("cmdApply_Click", [this] { cmdApply_Click(); }); };
+  cmdDone.Click += [this] { trap("cmdDone_Click", [this] { cmdDone_Click(); }); };
+  pending_.changed += [this] { showStatus(); };
+}
+
+void frmMain::trap(const std::string& routine, const std::function<void()>& handler) {
+  foundation::guarded(session_, routine, handler);
+}
+
+void frmMain::Load() {
+  Busy = true;
+  session_.g_bNoRecord = true;
+  startResult_ = startUp_.prepare();
+  if (startResult_ != StartResult::Started) return;
+
+  trap("p_SetControlsEnableDisable", [this] { pages_.p_SetControlsEnableDisable(session_); });
+  trap("p_DetermineSettings", [this] {
+    engine::readIntoForm(*this, session_, [this](int percent) { Progress = percent; });
+  });
+  if (txtStartMenu_ != nullptr) {
+    sMenuSpeed_ = appliedMenuSpeed_ = validMenuSpeed_ = txtStartMenu_->Text;
+  }
+  P_SetWindowPos(session_, *this, true);
+  p_SetTabControl();
+  officeLastTab_ = readSetting(session_, "OfficeLastTab", officeLastTab_);
+  session_.g_bNoRecord = false;
+
+  cmdApply.Enabled = false;
+  Caption = kCaption + session_.machine().describe().windows;
+  machineText_ = machineText(session_.machine());
+  Progress = -1;
+  Busy = false;
+  showStatus();
+}
+
+// With the option NoSaveTab every run begins on the first page.
+void frmMain::p_SetTabControl() {
+  const int last = readSetting(session_, "LastTab", 1);
+  const bool known = last >= 1 && last <= MainPages::kPageCount;
+  tabMain.SelectedItem = known && !session_.g_bNoSaveTab ? last : 1;
+}
+
+void frmMain::txtStartMenu_Change() {
+  if (session_.g_bDefaulting || session_.g_bNoRecord) return;
+  const std::string text = txtStartMenu_->Text;
+  if (!isNumber(text)) {
+    txtStartMenu_->Text = validMenuSpeed_;
+    session_.prompts().messageBox("This field accepts numerical characters only.",
+                                  kButtonsOk | kIconInformation, foundation::kAppTitle);
+    return;
+  }
+  validMenuSpeed_ = text;
+  if (text != sMenuSpeed_) {
+    cmdApply.Enabled = true;
+    m_bMenuSpeedChanged_ = true;
+  }
+  showStatus();
+}
+
+void frmMain::cmdApply_Click() {
+  std::vector<engine::FailedRoutine> failures;
+  for (const Bank bank : {Bank::MainWindow, Bank::Configuration}) {
+    const auto failed = engine::applyBank(bank, session_, pending_, regWorker_);
+    failures.insert(failures.end(), failed.begin(), failed.end());
+  }
+  if (m_bMenuSpeedChanged_) {
+    const std::string text = txtStartMenu_->Text;
+    regWorker_.call(kMenuSpeedRoutine);
+    if (regWorker_.bLastWriteFailed) {
+      failures.push_back({std::string(kMenuSpeedRoutine), regWorker_.lastStatus});
+    } else {
+      appliedMenuSpeed_ = text;
+    }
+  }
+  cmdApply.Enabled = false;
+  readOptions(session_);
+
+  std::string message = engine::describeFailures(failures);
+  const Status flushed = session_.registry().flush();
+  if (flushed != ERROR_SUCCESS) {
+    if (!message.empty()) message += foundation::kCrLf;
+    message +=
+        fmt::format("The changes could not be brought to the disk: {}.", describeStatus(flushed));
+  }
+  showStatus();
+  if (message.empty()) return;
+  cmdApply.Enabled = changesWaiting() > 0;
+  session_.prompts().messageBox(message, kButtonsOk | kIconExclamation, foundation::kAppTitle);
+}
+
+void frmMain::cmdDone_Click() {
+  // No internet session is ever opened, so none has to be closed first. Whoever stays to apply
+  // the rest must not be asked about a restart yet.
+  if (!mayDiscard()) return;
+  if (session_.g_bRebootNeeded) askForRestart(session_);
+  close();
+}
+
+bool frmMain::mayDiscard() {
+  const int changes = changesWaiting();
+  if (discardAgreed_ || changes == 0 || !options_.askBeforeDiscarding ||
+      session_.g_bNoShowConfirmation) {
+    return true;
+  }
+  const std::string text =
+      fmt::format("{} not been applied. Leave Korvex and discard {}?",
+                  changes == 1 ? "1 change has" : fmt::format("{} changes have", changes),
+                  changes == 1 ? "it" : "them");
+  const Answer answer =
+      session_.prompts().messageBox(text, kButtonsYesNo | kIconQuestion, foundation::kAppTitle);
+  discardAgreed_ = answer == Answer::Yes;
+  return discardAgreed_;
+}
+
+bool frmMain::QueryUnload() {
+  if (startResult_ != StartResult::Started) return true;
+  if (!session_.endRequested() && !mayDiscard()) return false;
+  trap("frmMain_QueryUnload", [this] { saveState(); });
+  return true;
+}
+
+void frmMain::saveState() {
+  session_.trace.enter("[frmMain_QueryUnload]");
+  if (session_.g_bTraceLog) session_.logWorker.appendRunLog(runLogPath(session_));
+  RegistryChange change(session_.registry());
+  rememberTab();
+  pending_.p_DestroyUserPrefSubKeys();
+  if (session_.g_bNoSaveWindPos) {
+    forgetWindowPos(session_);
+  } else {
+    P_SetWindowPos(session_, *this, false);
+  }
+  session_.trace.dump("lRetVal&", change.commit());
+}
+
+void frmMain::rememberTab() {
+  const auto& tab = tabMain.tabs().at(static_cast<std::size_t>(tabMain.SelectedItem.get() - 1));
+  foundation::P_WriteRegValue(session_, HKEY_LOCAL_MACHINE, kConfiguration, "LastTab",
+                              storedTab(tab.caption), KEY_ALL_ACCESS, true);
+  foundation::P_WriteRegValue(session_, HKEY_LOCAL_MACHINE, kConfiguration, "OfficeLastTab",
+                              static_cast<std::int16_t>(officeLastTab_), KEY_ALL_ACCESS, true);
+}
+
+int frmMain::changesWaiting() const {
+  const bool menuSpeed = txtStartMenu_ != nullptr && txtStartMenu_->Text.get() != appliedMenuSpeed_;
+  return pending_.count() + (menuSpeed ? 1 : 0);
+}
+
+void frmMain::showStatus() {
+  if (startResult_ != StartResult::Started || session_.g_bNoRecord) return;
+  StatusText = machineText_ + "  |  " + countText(changesWaiting());
+}
+
+}  // namespace korvex::main_window

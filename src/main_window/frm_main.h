@@ -1,0 +1,73 @@
+// frmMain: the main window. Loading it starts the program, closing it ends the program.
+//
+// Its pages come from the catalogue's rows. A click on a box is recorded at once (PendingChanges)
+// and carried out by cmdApply; what was not applied is discarded when the window closes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/apply.h"
+#include "engine/pending_changes.h"
+#include "engine/reg_worker.h"
+#include "forms/form.h"
+#include "foundation/session.h"
+#include "main_window/main_pages.h"
+#include "main_window/start_up.h"
+
+namespace korvex::main_window {
+
+class frmMain : public forms::Form {
+ public:
+  static constexpr const char* kName = "frmMain";
+  static constexpr const char* kCaption = "Korvex...for Power Users - ";
+
+  frmMain(foundation::Session& session, engine::RegWorker& regWorker,
+          engine::PendingChanges& pending, StartOptions options);
+
+  void Load() override;
+  bool QueryUnload() override;
+
+  // Anything but Started after Load: the program is to end, and closing writes nothing.
+  StartResult startResult() const { return startResult_; }
+
+  forms::TabStrip tabMain{*this, "tabMain", MainPages::tabs()};
+  forms::CommandButton cmdApply{*this, "cmdApply", "&Apply"};
+  forms::CommandButton cmdDone{*this, "cmdDone", "&Done"};
+
+ private:
+  void connect();
+  void cmdApply_Click();
+  void cmdDone_Click();
+  void txtStartMenu_Change();
+  void p_SetTabControl();
+  void rememberTab();
+  void saveState();
+  // The question whether to lose what was not applied; true where that is fine.
+  bool mayDiscard();
+  int changesWaiting() const;
+  void showStatus();
+  // Runs a handler in the error trap under the name of the control and its event.
+  void trap(const std::string& routine, const std::function<void()>& handler);
+
+  foundation::Session& session_;
+  engine::RegWorker& regWorker_;
+  engine::PendingChanges& pending_;
+  StartOptions options_;
+  StartUp startUp_;
+  MainPages pages_;
+  forms::TextBox* txtStartMenu_;
+  StartResult startResult_ = StartResult::NotYet;
+  bool discardAgreed_ = false;
+  std::string machineText_;
+
+  // The menu show delay: what start-up read, what is written by now, and the last text that was a
+  // number.
+  std::string sMenuSpeed_;
+  std::string appliedMenuSpeed_;
+  std::string validMenuSpeed_;
+  bool m_bMenuSpeedChanged_ = false;
+  int officeLastTab_ = 1;
+};
+
+}  // namespace korvex::main_window
