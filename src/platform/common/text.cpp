@@ -141,6 +141,14 @@ std::size_t asciiPrefix(std::string_view text) {
   return at;
 }
 
+bool isWellFormed(std::string_view text) {
+  std::size_t at = asciiPrefix(text);
+  while (at < text.size()) {
+    if (takeCodePoint(text, at) == kNoCharacter) return false;
+  }
+  return true;
+}
+
 void appendFolded(std::string_view name, std::string& out) {
   std::size_t at = asciiPrefix(name);
   const std::size_t before = out.size();

@@ -27,6 +27,8 @@ void appendFolded(std::string_view name, std::string& out);
 void appendUtf8(std::string_view utf16leBytes, std::string& out);
 void appendUtf16le(std::string_view text, std::string& out);
 
+// UTF-8 or the three-byte form of a surrogate throughout; the mark of an odd byte is not.
+bool isWellFormed(std::string_view text);
 // The length of the leading part of text that is plain ASCII.
 std::size_t asciiPrefix(std::string_view text);
 
