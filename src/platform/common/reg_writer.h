@@ -1,0 +1,42 @@
+// The text of registry-editor files. Knows no registry and no file.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/common/reg_export.h"
+#include "platform/common/text.h"
+
+namespace korvex::platform {
+
+// Builds a file's text piece by piece, in its final encoding. What the format cannot hold is
+// refused with the reason and leaves the text as it was.
+class RegTextWriter {
+ public:
+  // codePage is that of RegFormat::Regedit4.
+  RegTextWriter(RegFormat format, const CodePage& codePage);
+
+  void header();
+  // Null on success, else why it cannot be written.
+  const char* beginKey(std::string_view fullName);
+  const char* value(std::string_view name, RegType type, std::string_view data);
+  void endKey();
+
+  // What was built since the last clear().
+  std::string_view bytes() const { return bytes_; }
+  void clear() { bytes_.clear(); }
+
+ private:
+  const char* appendData(RegType type, std::string_view data);
+  void appendHex(RegType type, std::string_view data);
+  bool textBytes(std::string_view text, std::string& bytes) const;
+  const char* emit();
+
+  RegFormat format_;
+  const CodePage& codePage_;
+  std::string line_;     // the value or key at hand, in UTF-8
+  std::string scratch_;  // text bytes for hex data
+  std::string bytes_;
+};
+
+}  // namespace korvex::platform
