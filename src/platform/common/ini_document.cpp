@@ -64,10 +64,11 @@ struct IniDocument::Line {
       kind = Kind::Section;
       name = trimmed(name.substr(1, name.find(']') - 1));
     } else if (const std::size_t equals = name.find('='); equals != std::string_view::npos) {
-      // Before the first '=' of the line, which the blanks around it do not move.
+      const std::string_view key = trimmed(name.substr(0, equals));
+      if (key.empty()) return;
+      kind = Kind::Key;
       value = trimmed(name.substr(equals + 1));
-      name = trimmed(name.substr(0, equals));
-      kind = name.empty() ? Kind::Other : Kind::Key;
+      name = key;
     }
   }
 };
