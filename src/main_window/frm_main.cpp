@@ -117,7 +117,6 @@ void frmMain::Load() {
   startResult_ = startUp_.prepare();
   if (startResult_ != StartResult::Started) return;
 
-  trap("p_SetControlsEnableDisable", [this] { pages_.p_SetControlsEnableDisable(session_); });
   trap("p_DetermineSettings", [this] {
     engine::readIntoForm(*this, session_, [this](int percent) { Progress = percent; });
   });

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "engine/catalogue.h"
-#include "engine/readers.h"
 #include "main_window/whats_this.h"
 
 namespace korvex::main_window {
@@ -85,15 +84,6 @@ Layout MainPages::layout(forms::TabStrip& tabMain) {
   std::vector<Layout> parts;
   for (int index = 0; index < kPageCount; ++index) parts.push_back(page(index));
   return Layout::pages(tabMain, std::move(parts));
-}
-
-void MainPages::p_SetControlsEnableDisable(const foundation::Session& session) {
-  for (const TweakControl& entry : controls_) {
-    const engine::TweakState state = engine::availability(*entry.tweak, session);
-    if (state.kind != engine::TweakState::Kind::Unavailable) continue;
-    entry.control->Enabled = false;
-    entry.control->ToolTipText = std::string(state.reason);
-  }
 }
 
 }  // namespace korvex::main_window

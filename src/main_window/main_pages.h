@@ -2,12 +2,10 @@
 // they stand.
 #pragma once
 
-#include <functional>
 #include <vector>
 
 #include "engine/tweak.h"
 #include "forms/form.h"
-#include "foundation/session.h"
 
 namespace korvex::main_window {
 
@@ -29,8 +27,6 @@ class MainPages {
   const std::vector<TweakControl>& controls() const { return controls_; }
   // One part per page: titled groups in the order of the rows, or a sentence on an empty page.
   forms::Layout layout(forms::TabStrip& tabMain);
-  // Disables the controls of what the machine's Windows cannot have, and tells why in the tool tip.
-  void p_SetControlsEnableDisable(const foundation::Session& session);
 
  private:
   struct Group {

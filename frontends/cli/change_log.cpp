@@ -1,0 +1,106 @@
+// What a recording registry saw.
+#include "cli/change_log.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "cli/key_path.h"
+#include "engine/catalogue.h"
+#include "platform/common/text.h"
+
+namespace korvex::cli {
+namespace {
+
+using platform::RegistryWrite;
+using platform::sameName;
+
+constexpr std::string_view kOwnArea = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex";
+
+bool isOwnArea(std::string_view key) {
+  return sameName(key.substr(0, kOwnArea.size()), kOwnArea) &&
+         (key.size() == kOwnArea.size() || key[kOwnArea.size()] == '\\');
+}
+
+bool isTweak(const RegistryRecord& record) {
+  const auto& tweaks = engine::allTweaks();
+  return std::any_of(tweaks.begin(), tweaks.end(), [&record](const engine::Tweak* tweak) {
+    return sameName(tweak->value, record.value) &&
+           sameName(TypedKey{tweak->root, std::string(tweak->key)}.full(), record.key);
+  });
+}
+
+bool isValue(const RegistryRecord& record) {
+  return record.write == RegistryWrite::SetValue || record.write == RegistryWrite::DeleteValue;
+}
+
+Json dataJson(std::string_view name, const std::optional<platform::RegistryData>& data) {
+  return data ? valueJson(name, {data->type, data->bytes}) : Json(nullptr);
+}
+
+}  // namespace
+
+bool ChangeLog::worthTelling(const RegistryRecord& record) const {
+  if (verbose_ || !isOwnArea(record.key)) return true;
+  return isValue(record) && isTweak(record);
+}
+
+std::vector<RegistryRecord> ChangeLog::take() {
+  const auto& records = recording_.records();
+  std::vector<RegistryRecord> result;
+  for (; next_ < records.size(); ++next_) {
+    if (worthTelling(records[next_])) result.push_back(records[next_]);
+  }
+  return result;
+}
+
+std::vector<RegistryRecord> merged(const std::vector<RegistryRecord>& records) {
+  std::vector<RegistryRecord> result;
+  for (const RegistryRecord& record : records) {
+    const auto same = std::find_if(result.begin(), result.end(), [&record](const auto& earlier) {
+      return isValue(earlier) && isValue(record) && sameName(earlier.key, record.key) &&
+             sameName(earlier.value, record.value);
+    });
+    if (same == result.end()) {
+      result.push_back(record);
+    } else {
+      same->write = record.write;
+      same->after = record.after;
+    }
+  }
+  std::erase_if(result, [](const RegistryRecord& record) {
+    return isValue(record) && record.before == record.after;
+  });
+  return result;
+}
+
+Json recordJson(const RegistryRecord& record) {
+  if (!isValue(record)) {
+    const bool created = record.write == RegistryWrite::CreateKey;
+    return {{"change", created ? "key-created" : "key-deleted"}, {"key", record.key}};
+  }
+  return {{"change", "value"},
+          {"key", record.key},
+          {"name", record.value},
+          {"before", dataJson(record.value, record.before)},
+          {"after", dataJson(record.value, record.after)}};
+}
+
+std::string dataText(const std::optional<platform::RegistryData>& data) {
+  if (!data) return "(none)";
+  return typeName(data->type) + " " + displayText({data->type, data->bytes});
+}
+
+std::string recordText(const RegistryRecord& record, std::string_view indent) {
+  const std::string key = printable(record.key);
+  if (record.write == RegistryWrite::CreateKey)
+    return fmt::format("{}{}  (new key)\n", indent, key);
+  if (record.write == RegistryWrite::DeleteKey) {
+    return fmt::format("{}{}  (key deleted)\n", indent, key);
+  }
+  return fmt::format("{0}{1}\n{0}    {2}    {3} -> {4}\n", indent, key,
+                     record.value.empty() ? "(Default)" : printable(record.value),
+                     dataText(record.before), dataText(record.after));
+}
+
+}  // namespace korvex::cli

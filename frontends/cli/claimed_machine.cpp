@@ -1,0 +1,14 @@
+// Claiming a machine for a command.
+#include "cli/claimed_machine.h"
+
+namespace korvex::cli {
+
+std::unique_ptr<platform::InstanceClaim> claim(platform::Machine& machine) {
+  auto result = machine.claimInstance(platform::Wait::Yes);
+  if (result) return result;
+  throw Failure(ExitCode::Busy, "busy",
+                "Korvex is open on this machine (" + machine.describe().folder +
+                    "), in a window or in another command. Close it and try again.");
+}
+
+}  // namespace korvex::cli

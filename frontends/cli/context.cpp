@@ -1,0 +1,34 @@
+// Opening the machine that a command is for.
+#include "cli/context.h"
+
+#include <ostream>
+
+#include "program/open_machine.h"
+
+namespace korvex::cli {
+
+using platform::Status;
+
+Failure machineFailure(Status status, const std::string& message) {
+  switch (status) {
+    case platform::ERROR_WRITE_PROTECT:
+      return {ExitCode::Busy, "read-only", message};
+    case platform::ERROR_BUSY:
+    case platform::ERROR_SHARING_VIOLATION:
+      return {ExitCode::Busy, "busy", message};
+    default:
+      return {ExitCode::Failed, "failed", message};
+  }
+}
+
+std::unique_ptr<platform::Machine> Context::openMachine(platform::OpenMode mode) const {
+  platform::OpenedMachine opened = program::openMachine(machineFolder, mode);
+  if (opened.machine) return std::move(opened.machine);
+  const Failure failure = machineFailure(opened.status, opened.message);
+  if (failure.code() == ExitCode::Busy || opened.status == platform::ERROR_DISK_FULL) throw failure;
+  throw Failure(ExitCode::NoMachine, "no-machine", opened.message);
+}
+
+void Context::note(std::string_view text) const { err << text << '\n'; }
+
+}  // namespace korvex::cli

@@ -1,0 +1,236 @@
+// set: ticks boxes, types into fields and presses Apply, all or nothing.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <ostream>
+
+#include "cli/commands.h"
+#include "cli/form_driver.h"
+#include "cli/registry_access.h"
+#include "cli/script_program.h"
+#include "cli/tweak_json.h"
+#include "cli/tweak_names.h"
+#include "engine/readers.h"
+
+namespace korvex::cli {
+namespace {
+
+using engine::Tweak;
+using engine::TweakState;
+
+// One TWEAK=STATE of the command line.
+struct Wish {
+  const Tweak* tweak = nullptr;
+  std::string typed;  // "on", "default", the text of a text row
+  bool byDefault = false;
+  int box = 0;  // a CheckValue
+  TweakState before, after;
+};
+
+struct WordRow {
+  std::string_view word;
+  int box;
+};
+constexpr std::array kWords{WordRow{"on", forms::vbChecked}, WordRow{"off", forms::vbUnchecked},
+                            WordRow{"grey", forms::vbGrayed}};
+constexpr std::string_view kDefaultWord = "default";
+constexpr int kModeOfTheBoxItself = 0;
+
+Failure badWish(const std::string& argument, std::string_view why) {
+  return {ExitCode::Usage, "bad-state", fmt::format("'{}': {}", printable(argument), why)};
+}
+
+Wish parseWish(const std::string& argument) {
+  const std::size_t equals = argument.find('=');
+  Wish wish;
+  wish.tweak = &tweakNamed(argument.substr(0, equals));
+  if (equals == std::string::npos) {
+    throw badWish(argument, "say what to set it to: TWEAK=on, off, grey or default.");
+  }
+  wish.typed = argument.substr(equals + 1);
+  wish.byDefault = wish.typed == kDefaultWord;
+  if (wish.byDefault || isTextRow(*wish.tweak)) return wish;
+  const auto word = std::find_if(kWords.begin(), kWords.end(),
+                                 [&wish](const WordRow& row) { return row.word == wish.typed; });
+  if (word == kWords.end()) throw badWish(argument, "use on, off, grey or default.");
+  wish.box = word->box;
+  if (wish.box == forms::vbGrayed && wish.tweak->mode != kModeOfTheBoxItself) {
+    throw badWish(argument, "this tweak has no grey state; use on, off or default.");
+  }
+  return wish;
+}
+
+std::vector<Wish> parseWishes(const std::vector<std::string>& arguments) {
+  std::vector<Wish> wishes;
+  for (const std::string& argument : arguments) {
+    Wish wish = parseWish(argument);
+    const bool twice = std::any_of(wishes.begin(), wishes.end(), [&wish](const Wish& earlier) {
+      return earlier.tweak == wish.tweak;
+    });
+    if (twice) throw badWish(argument, "the same tweak is set twice.");
+    wishes.push_back(std::move(wish));
+  }
+  return wishes;
+}
+
+void readBefore(std::vector<Wish>& wishes, foundation::Session& session) {
+  for (Wish& wish : wishes) {
+    wish.before = engine::readState(*wish.tweak, session);
+    if (wish.before.kind != TweakState::Kind::Unavailable) continue;
+    throw Failure(ExitCode::Failed, "unavailable",
+                  fmt::format("{} is not available on this machine: {} Nothing was changed.",
+                              wish.tweak->property, wish.before.reason));
+  }
+}
+
+void throwIfUnanswered(const AnswerScript& prompts) {
+  if (prompts.failure().empty()) return;
+  throw Failure(ExitCode::Failed, "unanswered-question",
+                prompts.failure() +
+                    " Use 'korvex form run', which takes answers. Nothing was "
+                    "changed.");
+}
+
+[[noreturn]] void refused(const Wish& wish, const AnswerScript& prompts) {
+  throw Failure(
+      ExitCode::Failed, "refused",
+      fmt::format("{} could not be set to '{}': {} Nothing was changed.", wish.tweak->property,
+                  printable(wish.typed),
+                  prompts.lastText().empty() ? "the form refused it." : prompts.lastText()));
+}
+
+// What the hand does on one form: every wish for it, then its Apply button.
+void applyOnForm(ScriptProgram& script, const std::vector<Wish>& wishes, std::string_view formName,
+                 const AnswerScript& prompts) {
+  forms::Form& form = script.program().formBook().load(formName);
+  for (const Wish& wish : wishes) {
+    if (wish.byDefault || wish.tweak->form != formName) continue;
+    if (isTextRow(*wish.tweak)) {
+      typeText(form, wish.tweak->control, wish.typed);
+      const auto* box = form.find<forms::TextBox>(wish.tweak->control);
+      if (box == nullptr || box->Text.get() != wish.typed) refused(wish, prompts);
+    } else {
+      setCheckBox(form, wish.tweak->control, wish.box);
+    }
+  }
+  auto* apply = form.find<forms::CommandButton>("cmdApply");
+  if (apply != nullptr) apply->press();
+  throwIfUnanswered(prompts);
+  // A change that could not be made leaves the button enabled, and its reason in a message.
+  if (apply != nullptr && apply->Enabled) {
+    throw Failure(ExitCode::Failed, "refused", prompts.lastText() + "\nNothing was changed.");
+  }
+}
+
+void applyDefaults(ScriptProgram& script, const std::vector<Wish>& wishes,
+                   const AnswerScript& prompts) {
+  program::Program& program = script.program();
+  for (const Wish& wish : wishes) {
+    if (!wish.byDefault) continue;
+    program.session().g_bDefaulting = true;
+    program.regWorker().call(wish.tweak->property);
+    program.session().g_bDefaulting = false;
+    throwIfUnanswered(prompts);
+    if (program.regWorker().bLastWriteFailed) {
+      throw registryFailure(program.regWorker().lastStatus, std::string(wish.tweak->property));
+    }
+  }
+}
+
+void apply(ScriptProgram& script, const std::vector<Wish>& wishes, const AnswerScript& prompts) {
+  std::vector<std::string_view> formNames;
+  for (const Wish& wish : wishes) {
+    const auto known = std::find(formNames.begin(), formNames.end(), wish.tweak->form);
+    if (!wish.byDefault && known == formNames.end()) formNames.push_back(wish.tweak->form);
+  }
+  for (const std::string_view name : formNames) applyOnForm(script, wishes, name, prompts);
+  applyDefaults(script, wishes, prompts);
+}
+
+std::vector<std::string> needingRestart(const std::vector<Wish>& wishes,
+                                        const std::vector<RegistryRecord>& changes) {
+  std::vector<std::string> names;
+  for (const Wish& wish : wishes) {
+    if (wish.tweak->reboot && !changes.empty()) names.emplace_back(wish.tweak->property);
+  }
+  return names;
+}
+
+void printJson(Context& context, const std::vector<Wish>& wishes,
+               const std::vector<RegistryRecord>& changes, bool restartNeeded) {
+  Json json = document();
+  json["tweaks"] = Json::array();
+  for (const Wish& wish : wishes) {
+    json["tweaks"].push_back({{"property", wish.tweak->property},
+                              {"requested", wish.typed},
+                              {"before", stateName(wish.before.kind)},
+                              {"after", stateName(wish.after.kind)},
+                              {"restart", wish.tweak->reboot}});
+  }
+  json["changes"] = Json::array();
+  for (const RegistryRecord& record : changes) json["changes"].push_back(recordJson(record));
+  json["restartNeeded"] = restartNeeded;
+  print(context.out, json);
+}
+
+void printText(Context& context, const std::vector<Wish>& wishes,
+               const std::vector<RegistryRecord>& changes, bool restartNeeded) {
+  for (const Wish& wish : wishes) {
+    context.out << fmt::format("{}: {} -> {}{}\n", wish.tweak->property,
+                               stateName(wish.before.kind), stateName(wish.after.kind),
+                               wish.tweak->reboot ? "  (takes effect after a restart)" : "");
+  }
+  for (const RegistryRecord& record : changes) context.out << recordText(record, "");
+  if (changes.empty()) context.out << "Nothing had to be written.\n";
+  context.out << (restartNeeded ? "A restart is needed.\n" : "No restart is needed.\n");
+}
+
+ExitCode set(Context& context, const std::vector<std::string>& arguments) {
+  std::vector<Wish> wishes = parseWishes(arguments);
+  const auto machine = context.openMachine(platform::OpenMode::ReadWrite);
+  AnswerScript prompts;
+  prompts.onMessage = [&context](const ShownMessage& message) { context.note(message.text); };
+  ScriptProgram script(*machine, prompts, RunKind::Write, context.verbose);
+  script.start();
+  foundation::Session& session = script.program().session();
+  readBefore(wishes, session);
+  apply(script, wishes, prompts);
+
+  const std::vector<RegistryRecord> changes = merged(script.log().take());
+  for (Wish& wish : wishes) wish.after = engine::readState(*wish.tweak, session);
+  const bool restartNeeded = !needingRestart(wishes, changes).empty();
+  script.finish();
+  script.commit();
+
+  if (context.json) {
+    printJson(context, wishes, changes, restartNeeded);
+  } else {
+    printText(context, wishes, changes, restartNeeded);
+  }
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+void addSetCommand(CLI::App& app, Run& run) {
+  const auto wishes = std::make_shared<std::vector<std::string>>();
+  CLI::App* command = addCommand(
+      app, "set", "Tick the boxes of tweaks and press Apply",
+      "  korvex set P_rwRun=on\n"
+      "  korvex set Run=on Find=off NoFavoritesMenu=default\n"
+      "  korvex set StartMenuSpeed=200\n"
+      "\n"
+      "grey writes what a greyed box stands for, where a tweak has that state; default writes the\n"
+      "Windows default. Either all of it is done or nothing.");
+  command
+      ->add_option("TWEAK=STATE", *wishes,
+                   "Property name, also without P_rw, and on, off, grey or default; for a field "
+                   "its text")
+      ->required()
+      ->type_name("");
+  command->callback(
+      [&run, wishes] { run = [wishes](Context& context) { return set(context, *wishes); }; });
+}
+
+}  // namespace korvex::cli

@@ -1,0 +1,88 @@
+// Taking steps apart.
+#include "cli/steps.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "cli/failure.h"
+#include "cli/value_text.h"
+
+namespace korvex::cli {
+namespace {
+
+struct StepRow {
+  std::string_view word;
+  Step::Kind kind;
+  bool hasText;
+};
+constexpr std::array kSteps{
+    StepRow{"check", Step::Kind::Check, false}, StepRow{"uncheck", Step::Kind::Uncheck, false},
+    StepRow{"type", Step::Kind::Type, true},    StepRow{"select", Step::Kind::Select, true},
+    StepRow{"press", Step::Kind::Press, false},
+};
+
+struct AnswerRow {
+  std::string_view word;
+  ScriptedAnswer::Kind kind;
+};
+constexpr std::array kAnswers{
+    AnswerRow{"answer", ScriptedAnswer::Kind::Button},
+    AnswerRow{"input", ScriptedAnswer::Kind::Input},
+    AnswerRow{"file", ScriptedAnswer::Kind::File},
+    AnswerRow{"folder", ScriptedAnswer::Kind::Folder},
+};
+constexpr std::array<std::string_view, 4> kButtonWords{"yes", "no", "ok", "cancel"};
+
+Failure badStep(const std::string& word, std::string_view why) {
+  return {ExitCode::Usage, "bad-step", fmt::format("'{}' is no step: {}", printable(word), why)};
+}
+
+Step parseStep(const StepRow& row, const std::string& typed, const std::string& rest) {
+  Step step{row.kind, rest, "", typed};
+  if (row.hasText) {
+    const std::size_t colon = rest.find(':');
+    if (colon == std::string::npos) {
+      throw badStep(typed, fmt::format("write {}=CONTROL:TEXT.", row.word));
+    }
+    step.control = rest.substr(0, colon);
+    step.text = rest.substr(colon + 1);
+  }
+  if (step.control.empty()) throw badStep(typed, "it names no control.");
+  return step;
+}
+
+}  // namespace
+
+Script parseSteps(const std::vector<std::string>& words) {
+  Script script;
+  for (const std::string& typed : words) {
+    const std::size_t equals = typed.find('=');
+    const std::string word = typed.substr(0, equals);
+    const std::string rest = equals == std::string::npos ? "" : typed.substr(equals + 1);
+    const auto step = std::find_if(kSteps.begin(), kSteps.end(),
+                                   [&word](const StepRow& row) { return row.word == word; });
+    const auto answer = std::find_if(kAnswers.begin(), kAnswers.end(),
+                                     [&word](const AnswerRow& row) { return row.word == word; });
+    if (equals == std::string::npos || (step == kSteps.end() && answer == kAnswers.end())) {
+      throw badStep(typed,
+                    "use check=C, uncheck=C, type=C:TEXT, select=C:ITEM, press=C, "
+                    "answer=yes|no|ok|cancel, input=TEXT, file=PATH or folder=PATH.");
+    }
+    if (step != kSteps.end()) {
+      script.steps.push_back(parseStep(*step, typed, rest));
+      continue;
+    }
+    const bool known =
+        std::find(kButtonWords.begin(), kButtonWords.end(), rest) != kButtonWords.end();
+    if (answer->kind == ScriptedAnswer::Kind::Button && !known) {
+      throw badStep(typed, "an answer is yes, no, ok or cancel.");
+    }
+    script.answers.push_back({answer->kind, rest, typed});
+  }
+  return script;
+}
+
+}  // namespace korvex::cli

@@ -1,0 +1,19 @@
+// One tweak as a line for people and as JSON: what "list", "show" and "set" have in common.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "cli/output.h"
+#include "engine/tweak.h"
+
+namespace korvex::cli {
+
+std::string_view stateName(engine::TweakState::Kind kind);  // "on"
+// The fields of a row and its state. text: what a text row's field shows.
+Json tweakJson(const engine::Tweak& tweak, const engine::TweakState& state,
+               const std::string& text);
+// Whether the row is a text field: it takes a text instead of on, off and grey.
+bool isTextRow(const engine::Tweak& tweak);
+
+}  // namespace korvex::cli
