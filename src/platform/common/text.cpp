@@ -72,7 +72,10 @@ char32_t takeCodePoint(std::string_view text, std::size_t& at) {
   return kNoCharacter;
 }
 
+char foldAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
+
 char32_t foldCodePoint(char32_t c) {
+  if (c < 0x80) return static_cast<unsigned char>(foldAscii(static_cast<char>(c)));
   const auto run = std::upper_bound(kFoldRuns.begin(), kFoldRuns.end(), c,
                                     [](char32_t v, const FoldRun& r) { return v < r.first; });
   if (run == kFoldRuns.begin()) return c;
@@ -80,8 +83,6 @@ char32_t foldCodePoint(char32_t c) {
   if (c > r.last || (c - r.first) % r.step != 0) return c;
   return static_cast<char32_t>(static_cast<std::int32_t>(c) + r.delta);
 }
-
-char foldAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
 
 void appendUnit(char32_t unit, std::string& out) {
   out += static_cast<char>(unit & 0xFF);
