@@ -42,7 +42,9 @@ struct Stem {
   std::string basis;      // up to six characters
   std::string extension;  // with its dot, or ""
 
-  friend auto operator<=>(const Stem&, const Stem&) = default;
+  bool operator<(const Stem& other) const {
+    return std::tie(basis, extension) < std::tie(other.basis, other.extension);
+  }
 };
 
 Stem stemOf(std::string_view name) {

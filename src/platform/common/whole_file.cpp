@@ -30,7 +30,7 @@ int copyExtendedAttributes(int from, int to) {
   if (listSize <= 0) return 0;
   std::vector<char> names(static_cast<std::size_t>(listSize));
   const ssize_t listed = ::flistxattr(from, names.data(), names.size());
-  std::vector<char> value(64 * 1024);  // the kernel's own limit
+  std::vector<char> value(65536);  // the kernel's own limit
   for (ssize_t at = 0; at < listed;) {
     const std::string name = names.data() + at;
     at += static_cast<ssize_t>(name.size()) + 1;
@@ -132,11 +132,10 @@ void WholeFileWriter::start(int folder) {
   }
   struct stat old {};
   const bool exists = ::fstatat(folder_.get(), name_.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
-  if (!exists && errno != ENOENT) {
-    fail(errno);
-  } else if (exists && !S_ISREG(old.st_mode)) {
+  const bool missing = !exists && errno == ENOENT;
+  if (exists && !S_ISREG(old.st_mode)) {
     fail(EACCES);
-  } else if (exists && ::faccessat(folder_.get(), name_.c_str(), W_OK, AT_EACCESS) != 0) {
+  } else if (!missing && ::faccessat(folder_.get(), name_.c_str(), W_OK, AT_EACCESS) != 0) {
     fail(errno);
   } else {
     openTemporary();
