@@ -205,6 +205,11 @@ TEST_P(SampleMachine, CurrentControlSetIsThatOfTheComputer) {
     const Value groups = read(HKEY_LOCAL_MACHINE, control + R"(\ServiceGroupOrder)", "List");
     EXPECT_EQ(REG_MULTI_SZ, groups.type);
     EXPECT_GE(std::count(groups.data.begin(), groups.data.end(), '\0'), 20);
+  } else {
+    const Value driver =
+        read(HKEY_LOCAL_MACHINE, R"(System\CurrentControlSet\Services\VxD\VCOMM)", "StaticVxD");
+    EXPECT_EQ(REG_SZ, driver.type);
+    EXPECT_EQ("*vcomm", driver.data);
   }
 }
 
