@@ -4,9 +4,9 @@
 #include <fmt/format.h>
 
 #include "engine/catalogue.h"
+#include "engine/raw_value.h"
 #include "forms/control.h"
 #include "foundation/error_handler.h"
-#include "foundation/reg_listing.h"
 
 namespace korvex::engine {
 namespace {
@@ -26,6 +26,7 @@ std::string cause(const FailedRoutine& failure) {
 }
 
 std::string nameForPeople(const FailedRoutine& failure) {
+  if (failure.property.empty()) return "The list of what is waiting";
   const Tweak* tweak = findTweak(failure.property);
   return tweak == nullptr ? failure.property : forms::plainCaption(tweak->caption);
 }
@@ -35,9 +36,12 @@ std::string nameForPeople(const FailedRoutine& failure) {
 std::vector<FailedRoutine> applyBank(Bank bank, foundation::Session& session,
                                      PendingChanges& pending, RegWorker& worker) {
   std::vector<FailedRoutine> failures;
-  const std::string markers = foundation::P_EnumRegValues(session, HKLM, bankKey(bank),
-                                                          platform::KEY_ALL_ACCESS, true, false);
-  for (const std::string& routine : foundation::splitList(markers)) {
+  std::vector<std::string> routines;
+  const platform::Status listed = missingIsFine(
+      listSubKeys(session.registry(), HKLM, bankKey(bank), platform::KEY_ALL_ACCESS, routines));
+  session.trace.dump("[cmdApply]: lRetVal&", listed);
+  if (listed != platform::ERROR_SUCCESS) failures.push_back({"", listed});
+  for (const std::string& routine : routines) {
     try {
       if (!worker.call(routine)) failures.push_back({routine, worker.lastStatus});
     } catch (...) {

@@ -10,7 +10,7 @@
 namespace korvex::engine {
 
 struct FailedRoutine {
-  std::string property;
+  std::string property;         // "" where the list of markers could not be read
   platform::Status status = 0;  // 0: no routine of that name, or it raised an error
 };
 

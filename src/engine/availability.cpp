@@ -41,7 +41,7 @@ std::string sentence(Families families) {
     if (!names.empty()) names += family.family == last ? " and " : ", ";
     names += family.name;
   }
-  return fmt::format("Only Windows {} has this setting.", names);
+  return fmt::format("This setting exists only on Windows {}.", names);
 }
 
 // A reason for each set of Windows: states are views, and the texts must stay.

@@ -5,6 +5,7 @@
 
 #include "engine/catalogue.h"
 #include "engine/catalogue/rows.h"
+#include "engine/raw_value.h"
 #include "foundation/error_handler.h"
 #include "foundation/reg_listing.h"
 #include "foundation/reg_value.h"
@@ -20,37 +21,6 @@ namespace {
 
 constexpr std::string_view kProgramKey = "SOFTWARE\\Korvex";
 constexpr std::string_view kLoadValuesKey = "SOFTWARE\\Korvex\\LoadValues";
-
-// A value as it stands, whatever its type.
-struct RawValue {
-  platform::RegType type = platform::REG_NONE;
-  std::string bytes;
-};
-
-Status readRaw(platform::Registry& registry, HKEY key, std::string_view name, RawValue& value) {
-  std::uint32_t size = 0;
-  Status status = registry.RegQueryValueExA(key, name, &value.type, nullptr, &size);
-  if (status != platform::ERROR_SUCCESS) return status;
-  // At least one byte: a null buffer would ask for the size again.
-  value.bytes.assign(size + 1, '\0');
-  status = registry.RegQueryValueExA(key, name, &value.type, value.bytes.data(), &size);
-  value.bytes.resize(size);
-  return status;
-}
-
-// An absent value makes the other one absent too.
-Status copyValue(platform::Registry& registry, HKEY from, std::string_view fromName, HKEY to,
-                 std::string_view toName) {
-  RawValue value;
-  Status status = readRaw(registry, from, fromName, value);
-  if (status == platform::ERROR_SUCCESS) {
-    return registry.RegSetValueExA(to, toName, value.type, value.bytes.data(),
-                                   static_cast<std::uint32_t>(value.bytes.size()));
-  }
-  if (status != platform::ERROR_FILE_NOT_FOUND) return status;
-  status = registry.RegDeleteValueA(to, toName);
-  return status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status;
-}
 
 // The name under which a marker's option stands in LoadValues: without its "P_".
 std::string_view loadName(std::string_view marker) {
@@ -82,10 +52,6 @@ Status createMarker(Session& session, const std::string& path) {
   session.g_lNewKey = static_cast<std::int32_t>(key);
   if (status == platform::ERROR_SUCCESS) session.registry().RegCloseKey(key);
   return status;
-}
-
-Status missingIsFine(Status status) {
-  return status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status;
 }
 
 }  // namespace
@@ -194,7 +160,7 @@ Status rememberOption(Session& session, const Tweak& option) {
     return missingIsFine(session.registry().RegDeleteValueA(loadValues.get(), name));
   }
   if (options.status() != platform::ERROR_SUCCESS) return options.status();
-  return copyValue(session.registry(), options.get(), option.value, loadValues.get(), name);
+  return copyRawValue(session.registry(), options.get(), option.value, loadValues.get(), name);
 }
 
 void PendingChanges::p_DestroyUserPrefSubKeys() {
@@ -216,8 +182,10 @@ void PendingChanges::p_DestroyUserPrefSubKeys() {
 
 Status PendingChanges::restoreOptions() {
   auto& registry = session_.registry();
-  const std::vector<std::string> markers = waiting(Bank::Configuration);
-  if (markers.empty()) return platform::ERROR_SUCCESS;
+  std::vector<std::string> markers;
+  const Status listed =
+      listSubKeys(registry, HKLM, kConfigurationKey, platform::KEY_ALL_ACCESS, markers);
+  if (listed != platform::ERROR_SUCCESS || markers.empty()) return missingIsFine(listed);
   platform::OpenKey options(registry, HKLM, kConfigurationKey, platform::KEY_ALL_ACCESS);
   if (options.status() != platform::ERROR_SUCCESS) return options.status();
   platform::OpenKey loadValues(registry, HKLM, kLoadValuesKey, platform::KEY_QUERY_VALUE);
@@ -232,10 +200,10 @@ Status PendingChanges::restoreOptions() {
     Status status = platform::ERROR_SUCCESS;
     if (loadValues.status() == platform::ERROR_SUCCESS && !name.empty()) {
       // Under the name that it was kept by, and under the option's own, which the program reads.
-      status = copyValue(registry, loadValues.get(), name, options.get(), name);
+      status = copyRawValue(registry, loadValues.get(), name, options.get(), name);
       if (status == platform::ERROR_SUCCESS && option != nullptr &&
           option->bank == Bank::Configuration) {
-        status = copyValue(registry, loadValues.get(), name, options.get(), option->value);
+        status = copyRawValue(registry, loadValues.get(), name, options.get(), option->value);
       }
     }
     if (status == platform::ERROR_SUCCESS) {

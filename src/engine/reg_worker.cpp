@@ -30,7 +30,10 @@ bool RegWorker::call(std::string_view property) {
     throw RuntimeError(foundation::kErrorNoSuchRoutine,
                        fmt::format("RegWorker has no routine named {}.", property), "RegWorker");
   }
-  const Tweak& tweak = *findTweak(property);
+  return run(*findTweak(property));
+}
+
+bool RegWorker::run(const Tweak& tweak) {
   // Before the bracket: loading a form reads and records what the machine has.
   formBook_.load(tweak.form);
 
@@ -66,8 +69,7 @@ bool RegWorker::p_rwWriteRegChanges(const Tweak& tweak) {
       return endPendingChange(tweak);
     case Act::DeleteKey: {
       const Status status = session_.regTool.DeleteRegNodes(tweak.root, tweak.key);
-      return keep(status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status) &&
-             endPendingChange(tweak);
+      return keep(missingIsFine(status)) && endPendingChange(tweak);
     }
     case Act::SwapHelpFile:
     case Act::RestoreHelpFile:
@@ -108,9 +110,7 @@ bool RegWorker::endPendingChange(const Tweak& tweak) {
   const Status status = session_.regTool.DeleteRegNodes(HKLM, marker);
   session_.trace.dump("lRetVal&", status);
   // Defaults and scripts run routines that were never pending.
-  if (status != platform::ERROR_SUCCESS && status != platform::ERROR_FILE_NOT_FOUND) {
-    return keep(status);
-  }
+  if (!keep(missingIsFine(status))) return false;
   // From now on this is what closing must leave alone.
   return tweak.bank != Bank::Configuration || keep(rememberOption(session_, tweak));
 }
@@ -120,6 +120,12 @@ bool RegWorker::keep(Status status) {
   if (!bLastWriteFailed) lastStatus = status;  // the first failure is the cause of the others
   bLastWriteFailed = true;
   return false;
+}
+
+bool RegWorker::read(Root root, std::string_view key, std::string_view name, RawValue& value) {
+  value = {};
+  const Status status = readRawValue(session_.registry(), root, key, name, value);
+  return keep(missingIsFine(status));
 }
 
 bool RegWorker::write(Root root, std::string_view key, std::string_view name,
@@ -133,7 +139,7 @@ bool RegWorker::write(Root root, std::string_view key, std::string_view name,
 bool RegWorker::remove(Root root, std::string_view key, std::string_view name) {
   const Status status = session_.regTool.DeleteRegValue(root, key, name);
   session_.trace.dump("lRetVal&", status);
-  return keep(status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status);
+  return keep(missingIsFine(status));
 }
 
 }  // namespace korvex::engine

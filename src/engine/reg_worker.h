@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "engine/modes.h"
+#include "engine/raw_value.h"
 #include "engine/tweak.h"
 #include "forms/form_book.h"
 #include "foundation/session.h"
@@ -28,6 +29,8 @@ class RegWorker {
   // name that is no routine. Everything that one routine writes, and the end of its pending change,
   // is one change of the machine.
   bool call(std::string_view property);
+  // The same for a row whose facts a form has filled in: it stands in no table.
+  bool run(const Tweak& tweak);
   bool knows(std::string_view property) const;
 
   // Mode 21: swaps the Windows help file for an alternative one, and back.
@@ -56,6 +59,8 @@ class RegWorker {
   bool endPendingChange(const Tweak& tweak);
   // Keeps a status of the machine; a failure stays kept until the next call. True for success.
   bool keep(platform::Status status);
+  // A missing key or value reads as an empty one. False where it could not be read.
+  bool read(Root root, std::string_view key, std::string_view name, RawValue& value);
   bool write(Root root, std::string_view key, std::string_view name,
              const foundation::Variant& value);
   // A missing value or key is no error.

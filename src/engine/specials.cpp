@@ -9,7 +9,6 @@
 #include "engine/defrag_entry.h"
 #include "engine/reg_worker.h"
 #include "engine/same_name.h"
-#include "foundation/reg_listing.h"
 #include "foundation/runtime_error.h"
 
 namespace korvex::engine {
@@ -19,6 +18,10 @@ namespace {
 constexpr std::string_view kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr std::string_view kRunEntry = "Korvex";
 constexpr std::string_view kSupportFile = "kvxsup.exe";
+
+std::string supportProgram(const foundation::Session& session) {
+  return fmt::format("{}\\{}", session.g_sAppPath, kSupportFile);
+}
 
 }  // namespace
 
@@ -31,27 +34,28 @@ bool RegWorker::P_rwDefrag(const Tweak& tweak) {
 }
 
 bool RegWorker::writeDefragEntry() {
-  auto& tool = session_.regTool;
-  if (tool.GetRegStr(kRunOnceExKey, kTitleValue, HKLM).empty() &&
-      !write(HKLM, kRunOnceExKey, kTitleValue, kDefragTitle)) {
+  RawValue title;
+  RawValue flags;
+  if (!read(HKLM, kRunOnceExKey, kTitleValue, title) ||
+      !read(HKLM, kRunOnceExKey, kFlagsValue, flags)) {
     return false;
   }
-  const bool hasFlags = foundation::P_DoesRegValueExsist(session_, HKLM, kRunOnceExKey,
-                                                         platform::KEY_QUERY_VALUE, kFlagsValue);
-  if (!hasFlags && !write(HKLM, kRunOnceExKey, kFlagsValue, kDefragFlags)) return false;
-  return write(HKLM, kDefragEntryKey, kDefragCommandValue, kDefragCommand);
+  return (!title.bytes.empty() || write(HKLM, kRunOnceExKey, kTitleValue, kDefragTitle)) &&
+         (!flags.bytes.empty() || write(HKLM, kRunOnceExKey, kFlagsValue, kDefragFlags)) &&
+         write(HKLM, kDefragEntryKey, kDefragCommandValue, kDefragCommand);
 }
 
 bool RegWorker::removeDefragEntry() {
-  auto& tool = session_.regTool;
-  const platform::Status status = tool.DeleteRegNodes(HKLM, kDefragEntryKey);
-  if (status != platform::ERROR_FILE_NOT_FOUND && !keep(status)) return false;
-  if (!sameName(tool.GetRegStr(kRunOnceExKey, kTitleValue, HKLM), kDefragTitle)) {
-    return true;
+  RawValue title;
+  RawValue flags;
+  if (!keep(missingIsFine(session_.regTool.DeleteRegNodes(HKLM, kDefragEntryKey))) ||
+      !read(HKLM, kRunOnceExKey, kTitleValue, title) ||
+      !read(HKLM, kRunOnceExKey, kFlagsValue, flags)) {
+    return false;
   }
+  if (!sameName(title.text(), kDefragTitle)) return true;
   return remove(HKLM, kRunOnceExKey, kTitleValue) &&
-         (tool.GetRegInt(kRunOnceExKey, kFlagsValue, HKLM) != kDefragFlags ||
-          remove(HKLM, kRunOnceExKey, kFlagsValue));
+         (flags.number(0) != kDefragFlags || remove(HKLM, kRunOnceExKey, kFlagsValue));
 }
 
 bool RegWorker::P_rwStartMenuSpeed(const Tweak& tweak) {
@@ -88,8 +92,7 @@ bool RegWorker::p_rwClearAtRestart(const Tweak& tweak) {
       return false;
     }
   }
-  const std::string program = fmt::format("{}\\{}", session_.g_sAppPath, kSupportFile);
-  if (on && !session_.files().exists(program)) {
+  if (on && !session_.files().exists(supportProgram(session_))) {
     notice_ = fmt::format(
         "The support file, '{}', could not be found.\r\n"
         "This file should reside in the same folder as Korvex.\r\n"
@@ -103,15 +106,17 @@ bool RegWorker::p_rwClearAtRestart(const Tweak& tweak) {
 // The support program runs while one of its options is on. Without its file nothing is registered:
 // Windows would complain at each start. The options stay, for when the file is there.
 bool RegWorker::registerSupportProgram() {
-  const auto isOn = [this](const Tweak& option) {
-    return option.special == &RegWorker::p_rwClearAtRestart &&
-           session_.regTool.GetRegInt(option.key, option.value, option.root) == 1;
-  };
-  const std::string program = fmt::format("{}\\{}", session_.g_sAppPath, kSupportFile);
-  if (std::ranges::any_of(optionRows(), isOn) && session_.files().exists(program)) {
-    return write(HKLM, kRunKey, kRunEntry, fmt::format("\"{}\"", program));
+  bool wanted = false;
+  for (const Tweak& option : optionRows()) {
+    if (option.special != &RegWorker::p_rwClearAtRestart) continue;
+    RawValue value;
+    if (!read(option.root, option.key, option.value, value)) return false;
+    wanted = wanted || value.number(0) == 1;
   }
-  return remove(HKLM, kRunKey, kRunEntry);
+  const std::string program = supportProgram(session_);
+  return wanted && session_.files().exists(program)
+             ? write(HKLM, kRunKey, kRunEntry, fmt::format("\"{}\"", program))
+             : remove(HKLM, kRunKey, kRunEntry);
 }
 
 }  // namespace korvex::engine
