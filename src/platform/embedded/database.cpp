@@ -106,7 +106,8 @@ Status Database::create(const std::filesystem::path& file, std::string& message)
       sqlite3_open_v2(file.c_str(), &handle,
                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXRESCODE, nullptr);
   const std::string sql = fmt::format(
-      "PRAGMA page_size={}; PRAGMA journal_mode=WAL; PRAGMA application_id={};"
+      "PRAGMA synchronous=OFF; PRAGMA page_size={}; PRAGMA journal_mode=WAL;"
+      "PRAGMA application_id={};"
       "PRAGMA user_version={}; BEGIN; {} COMMIT;",
       kPageBytes, kApplicationId, kSchemaVersion, kSchema);
   if (result == SQLITE_OK) result = sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr);

@@ -24,7 +24,8 @@ class Database {
   // machineFolder holds registry.db and machine.json. Null with status and message on failure.
   static std::unique_ptr<Database> open(const std::filesystem::path& machineFolder, OpenMode mode,
                                         Status& status, std::string& message);
-  // A new registry.db with an empty registry; the file must not exist.
+  // A new registry.db with an empty registry; the file must not exist. It is on the disk only
+  // after a machine was opened on it and flushed.
   static Status create(const std::filesystem::path& file, std::string& message);
 
   ~Database();
