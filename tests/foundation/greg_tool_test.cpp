@@ -54,6 +54,7 @@ TEST_F(GRegToolOnNT, ASecondPercentSignTwoOnMakesAnExpandableString) {
   EXPECT_EQ(written("%SystemRoot").type, REG_SZ);
   EXPECT_EQ(written("%%").type, REG_SZ);
   EXPECT_EQ(written("%1%").type, REG_EXPAND_SZ);
+  EXPECT_EQ(written(R"(%SystemRoot%\System32\shell32.dll,-154)").type, REG_EXPAND_SZ);
   EXPECT_EQ(written(R"(%SystemRoot%\%x%)").type, REG_EXPAND_SZ);
 }
 
