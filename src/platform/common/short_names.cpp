@@ -41,10 +41,6 @@ std::string shortened(std::string_view text, std::size_t length) {
 struct Stem {
   std::string basis;      // up to six characters
   std::string extension;  // with its dot, or ""
-
-  bool operator<(const Stem& other) const {
-    return std::tie(basis, extension) < std::tie(other.basis, other.extension);
-  }
 };
 
 Stem stemOf(std::string_view name) {
@@ -101,12 +97,11 @@ std::vector<std::string> shortNames(const std::vector<std::string>& names) {
     return std::tie(left.first, names[left.second]) < std::tie(right.first, names[right.second]);
   });
 
-  std::set<Stem> seen;
   std::vector<std::size_t> later;
   for (const auto& [folded, i] : order) {
     const Stem stem = stemOf(names[i]);
     const std::string first = stem.basis + "~1" + stem.extension;
-    if (seen.insert(stem).second && taken.insert(first).second) {
+    if (taken.insert(first).second) {
       result[i] = first;
     } else {
       later.push_back(i);

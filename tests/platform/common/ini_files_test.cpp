@@ -8,6 +8,13 @@
 namespace korvex::platform {
 namespace {
 
+// A disk that cannot be read just now.
+class UnreadableFolders : public DriveFolders {
+ public:
+  using DriveFolders::DriveFolders;
+  Status read(std::string_view, std::string&) override { return ERROR_GEN_FAILURE; }
+};
+
 class IniFiles_ : public test::DriveTest {
  protected:
   DriveFolders files() const { return drives(); }
@@ -33,6 +40,14 @@ TEST_F(IniFiles_, AFileThatCannotBeReadIsNotWritten) {
   EXPECT_EQ(ini.WritePrivateProfileStringA("a", "b", "c", "C:\\none\\x.ini"), ERROR_PATH_NOT_FOUND);
   EXPECT_EQ(ini.WritePrivateProfileStringA("a", "b", "c", "..\\x.ini"), ERROR_BAD_PATHNAME);
   EXPECT_EQ(ini.WritePrivateProfileStringA("a", "b", "c", "C:\\CON"), ERROR_INVALID_NAME);
+}
+
+TEST_F(IniFiles_, AFailedReadIsNotTakenForAnEmptyFile) {
+  put("win/win.ini", "[a]\r\nx=1\r\n");
+  UnreadableFolders folders({{'C', host / "c"}});
+  IniFiles ini(folders, "C:\\win", *CodePage::find(1252), SectionGap::None);
+  EXPECT_EQ(ini.WriteProfileStringA("b", "y", "2"), ERROR_GEN_FAILURE);
+  EXPECT_EQ(get("win/win.ini"), "[a]\r\nx=1\r\n");
 }
 
 TEST_F(IniFiles_, WhatChangesNothingWritesNothing) {
