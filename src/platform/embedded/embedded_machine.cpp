@@ -82,7 +82,8 @@ class EmbeddedMachine : public Machine {
         file_.user,
         file_.computerName,
         "machine.json and registry.db",
-        database_->readOnly()};
+        database_->readOnly(),
+        file_.codePage};
   }
 
   std::unique_ptr<InstanceClaim> claimInstance(Wait wait) override {
