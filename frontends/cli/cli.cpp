@@ -10,6 +10,7 @@
 
 #include "cli/commands.h"
 #include "cli/output.h"
+#include "cli/tweak_names.h"
 
 namespace korvex::cli {
 namespace {
@@ -57,6 +58,27 @@ void addOptions(CLI::App& app, Context& context) {
   app.add_flag("-v,--verbose", context.verbose, "Also print the writes in Korvex's own area");
 }
 
+// CLI11 tells only that a command is missing; what was typed in its place says more.
+std::string usageText(const CLI::App& app, const CLI::ParseError& error) {
+  std::string text = error.what();
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    const CLI::App* group = &app;
+    while (!group->get_subcommands().empty()) group = group->get_subcommands().front();
+    const std::vector<std::string> left = app.remaining(true);
+    std::vector<std::string> names;
+    for (const CLI::App* command : group->get_subcommands(nullptr)) {
+      names.push_back(command->get_name());
+    }
+    if (!names.empty() && !left.empty()) {
+      text = fmt::format("There is no command '{}'.{}", printable(left.front()),
+                         suggestion(left.front(), names));
+    } else if (!names.empty()) {
+      text = fmt::format("A command is missing: {}.", fmt::join(names, ", "));
+    }
+  }
+  return text + "\nRun 'korvex --help', or '--help' after a command.";
+}
+
 // Nothing to run where help or the version was asked for and printed.
 Run parse(std::vector<std::string> args, Context& context) {
   // A wrong command line is told as JSON too, so this must be known before it is parsed.
@@ -74,9 +96,7 @@ Run parse(std::vector<std::string> args, Context& context) {
     app.exit(asked, context.out, context.err);
     return {};
   } catch (const CLI::ParseError& error) {
-    throw Failure(
-        ExitCode::Usage, "usage",
-        fmt::format("{}\nRun 'korvex --help', or '--help' after a command.", error.what()));
+    throw Failure(ExitCode::Usage, "usage", usageText(app, error));
   }
   return run;
 }

@@ -80,7 +80,7 @@ ExitCode list(Context& context, const ListOptions& options) {
   std::string text;
   const Tweak* previous = nullptr;
   for (const Tweak* tweak : tweaks) {
-    const TweakState state = engine::readState(*tweak, session);
+    const TweakState state = rowState(*tweak, session);
     const std::string field = isTextRow(*tweak) ? engine::readText(*tweak, session) : "";
     if (context.json) {
       rows.push_back(tweakJson(*tweak, state, field));

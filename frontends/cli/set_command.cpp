@@ -24,8 +24,9 @@ struct Wish {
   const Tweak* tweak = nullptr;
   std::string typed;  // "on", "default", the text of a text row
   bool byDefault = false;
-  int box = 0;  // a CheckValue
-  TweakState before, after;
+  int box = 0;                // a CheckValue
+  bool applied = false;       // its routine ran: there was something to change
+  std::string before, after;  // "on", or the text of a text row
 };
 
 struct WordRow {
@@ -74,13 +75,20 @@ std::vector<Wish> parseWishes(const std::vector<std::string>& arguments) {
   return wishes;
 }
 
+std::string stateText(const Tweak& tweak, foundation::Session& session) {
+  if (isTextRow(tweak)) return engine::readText(tweak, session);
+  return std::string(stateName(engine::readState(tweak, session).kind));
+}
+
 void readBefore(std::vector<Wish>& wishes, foundation::Session& session) {
   for (Wish& wish : wishes) {
-    wish.before = engine::readState(*wish.tweak, session);
-    if (wish.before.kind != TweakState::Kind::Unavailable) continue;
-    throw Failure(ExitCode::Failed, "unavailable",
-                  fmt::format("{} is not available on this machine: {} Nothing was changed.",
-                              wish.tweak->property, wish.before.reason));
+    const TweakState state = engine::availability(*wish.tweak, session);
+    if (state.kind == TweakState::Kind::Unavailable) {
+      throw Failure(ExitCode::Failed, "unavailable",
+                    fmt::format("{} is not available on this machine: {} Nothing was changed.",
+                                wish.tweak->property, state.reason));
+    }
+    wish.before = stateText(*wish.tweak, session);
   }
 }
 
@@ -100,18 +108,25 @@ void throwIfUnanswered(const AnswerScript& prompts) {
                   prompts.lastText().empty() ? "the form refused it." : prompts.lastText()));
 }
 
+bool isWaiting(ScriptProgram& script, const Tweak& tweak) {
+  const auto waiting = script.program().pendingChanges().waiting(tweak.bank);
+  return std::find(waiting.begin(), waiting.end(), tweak.property) != waiting.end();
+}
+
 // What the hand does on one form: every wish for it, then its Apply button.
-void applyOnForm(ScriptProgram& script, const std::vector<Wish>& wishes, std::string_view formName,
+void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_view formName,
                  const AnswerScript& prompts) {
   forms::Form& form = script.program().formBook().load(formName);
-  for (const Wish& wish : wishes) {
+  for (Wish& wish : wishes) {
     if (wish.byDefault || wish.tweak->form != formName) continue;
     if (isTextRow(*wish.tweak)) {
       typeText(form, wish.tweak->control, wish.typed);
       const auto* box = form.find<forms::TextBox>(wish.tweak->control);
       if (box == nullptr || box->Text.get() != wish.typed) refused(wish, prompts);
+      wish.applied = wish.typed != wish.before;
     } else {
       setCheckBox(form, wish.tweak->control, wish.box);
+      wish.applied = isWaiting(script, *wish.tweak);
     }
   }
   auto* apply = form.find<forms::CommandButton>("cmdApply");
@@ -123,11 +138,11 @@ void applyOnForm(ScriptProgram& script, const std::vector<Wish>& wishes, std::st
   }
 }
 
-void applyDefaults(ScriptProgram& script, const std::vector<Wish>& wishes,
-                   const AnswerScript& prompts) {
+void applyDefaults(ScriptProgram& script, std::vector<Wish>& wishes, const AnswerScript& prompts) {
   program::Program& program = script.program();
-  for (const Wish& wish : wishes) {
+  for (Wish& wish : wishes) {
     if (!wish.byDefault) continue;
+    wish.applied = true;
     program.session().g_bDefaulting = true;
     program.regWorker().call(wish.tweak->property);
     program.session().g_bDefaulting = false;
@@ -138,7 +153,7 @@ void applyDefaults(ScriptProgram& script, const std::vector<Wish>& wishes,
   }
 }
 
-void apply(ScriptProgram& script, const std::vector<Wish>& wishes, const AnswerScript& prompts) {
+void apply(ScriptProgram& script, std::vector<Wish>& wishes, const AnswerScript& prompts) {
   std::vector<std::string_view> formNames;
   for (const Wish& wish : wishes) {
     const auto known = std::find(formNames.begin(), formNames.end(), wish.tweak->form);
@@ -148,42 +163,48 @@ void apply(ScriptProgram& script, const std::vector<Wish>& wishes, const AnswerS
   applyDefaults(script, wishes, prompts);
 }
 
-std::vector<std::string> needingRestart(const std::vector<Wish>& wishes,
-                                        const std::vector<RegistryRecord>& changes) {
-  std::vector<std::string> names;
-  for (const Wish& wish : wishes) {
-    if (wish.tweak->reboot && !changes.empty()) names.emplace_back(wish.tweak->property);
-  }
-  return names;
-}
+// What a set command has done.
+struct Outcome {
+  std::vector<Wish> wishes;
+  std::vector<RegistryRecord> changes;
+  bool restartNeeded = false;   // for one of the tweaks at least
+  bool restartOffered = false;  // what the window would do on leaving: the last routine decides
+};
 
-void printJson(Context& context, const std::vector<Wish>& wishes,
-               const std::vector<RegistryRecord>& changes, bool restartNeeded) {
+void printJson(Context& context, const Outcome& outcome) {
   Json json = document();
   json["tweaks"] = Json::array();
-  for (const Wish& wish : wishes) {
+  for (const Wish& wish : outcome.wishes) {
     json["tweaks"].push_back({{"property", wish.tweak->property},
                               {"requested", wish.typed},
-                              {"before", stateName(wish.before.kind)},
-                              {"after", stateName(wish.after.kind)},
+                              {"before", wish.before},
+                              {"after", wish.after},
+                              {"applied", wish.applied},
                               {"restart", wish.tweak->reboot}});
   }
   json["changes"] = Json::array();
-  for (const RegistryRecord& record : changes) json["changes"].push_back(recordJson(record));
-  json["restartNeeded"] = restartNeeded;
+  for (const RegistryRecord& record : outcome.changes) {
+    json["changes"].push_back(recordJson(record));
+  }
+  json["restartNeeded"] = outcome.restartNeeded;
+  json["restartOffered"] = outcome.restartOffered;
   print(context.out, json);
 }
 
-void printText(Context& context, const std::vector<Wish>& wishes,
-               const std::vector<RegistryRecord>& changes, bool restartNeeded) {
-  for (const Wish& wish : wishes) {
-    context.out << fmt::format("{}: {} -> {}{}\n", wish.tweak->property,
-                               stateName(wish.before.kind), stateName(wish.after.kind),
-                               wish.tweak->reboot ? "  (takes effect after a restart)" : "");
+void printText(Context& context, const Outcome& outcome) {
+  for (const Wish& wish : outcome.wishes) {
+    std::string note;
+    if (!wish.applied) {
+      note = "  (already so)";
+    } else if (wish.tweak->reboot) {
+      note = "  (takes effect after a restart)";
+    }
+    context.out << fmt::format("{}: {} -> {}{}\n", wish.tweak->property, printable(wish.before),
+                               printable(wish.after), note);
   }
-  for (const RegistryRecord& record : changes) context.out << recordText(record, "");
-  if (changes.empty()) context.out << "Nothing had to be written.\n";
-  context.out << (restartNeeded ? "A restart is needed.\n" : "No restart is needed.\n");
+  for (const RegistryRecord& record : outcome.changes) context.out << recordText(record, "");
+  if (outcome.changes.empty()) context.out << "Nothing had to be written.\n";
+  context.out << (outcome.restartNeeded ? "A restart is needed.\n" : "No restart is needed.\n");
 }
 
 ExitCode set(Context& context, const std::vector<std::string>& arguments) {
@@ -197,16 +218,22 @@ ExitCode set(Context& context, const std::vector<std::string>& arguments) {
   readBefore(wishes, session);
   apply(script, wishes, prompts);
 
-  const std::vector<RegistryRecord> changes = merged(script.log().take());
-  for (Wish& wish : wishes) wish.after = engine::readState(*wish.tweak, session);
-  const bool restartNeeded = !needingRestart(wishes, changes).empty();
+  Outcome outcome;
+  outcome.changes = merged(script.log().take());
+  for (Wish& wish : wishes) {
+    wish.after = stateText(*wish.tweak, session);
+    const bool counts = wish.applied && wish.tweak->reboot && !outcome.changes.empty();
+    outcome.restartNeeded = outcome.restartNeeded || counts;
+  }
+  outcome.wishes = std::move(wishes);
+  outcome.restartOffered = session.g_bRebootNeeded && !session.g_bNoShowReboot;
   script.finish();
   script.commit();
 
   if (context.json) {
-    printJson(context, wishes, changes, restartNeeded);
+    printJson(context, outcome);
   } else {
-    printText(context, wishes, changes, restartNeeded);
+    printText(context, outcome);
   }
   return ExitCode::Done;
 }

@@ -77,7 +77,7 @@ void addNow(Records& now, const Records& records) {
 Rehearsed rehearseAll(ScriptProgram& script, const Tweak& tweak) {
   program::Program& program = script.program();
   Rehearsed result;
-  result.state = engine::readState(tweak, program.session());
+  result.state = rowState(tweak, program.session());
   if (isTextRow(tweak)) {
     result.text = engine::readText(tweak, program.session());
   } else if (auto* box = program.formBook().load(tweak.form).find<forms::CheckBox>(tweak.control)) {

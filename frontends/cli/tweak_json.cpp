@@ -2,6 +2,7 @@
 #include "cli/tweak_json.h"
 
 #include "engine/catalogue.h"
+#include "engine/readers.h"
 #include "forms/control.h"
 #include "platform/common/reg_names.h"
 
@@ -24,6 +25,14 @@ std::string_view stateName(TweakState::Kind kind) {
 }
 
 bool isTextRow(const engine::Tweak& tweak) { return tweak.shape == engine::ControlShape::TextBox; }
+
+TweakState rowState(const engine::Tweak& tweak, foundation::Session& session) {
+  TweakState state = engine::readState(tweak, session);
+  if (!isTextRow(tweak) || state.kind == TweakState::Kind::Unavailable) return state;
+  const bool changed = engine::readText(tweak, session) != tweak.byDefault.text;
+  state.kind = changed ? TweakState::Kind::On : TweakState::Kind::Off;
+  return state;
+}
 
 Json tweakJson(const engine::Tweak& tweak, const TweakState& state, const std::string& text) {
   Json json{{"property", tweak.property}, {"form", tweak.form},

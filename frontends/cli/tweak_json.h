@@ -6,6 +6,7 @@
 
 #include "cli/output.h"
 #include "engine/tweak.h"
+#include "foundation/session.h"
 
 namespace korvex::cli {
 
@@ -13,6 +14,9 @@ std::string_view stateName(engine::TweakState::Kind kind);  // "on"
 // The fields of a row and its state. text: what a text row's field shows.
 Json tweakJson(const engine::Tweak& tweak, const engine::TweakState& state,
                const std::string& text);
+// How the row stands. A text row is on where its text is not the Windows default.
+engine::TweakState rowState(const engine::Tweak& tweak, foundation::Session& session);
+
 // Whether the row is a text field: it takes a text instead of on, off and grey.
 bool isTextRow(const engine::Tweak& tweak);
 
