@@ -16,9 +16,9 @@ namespace {
 
 using PieceSink = std::function<Status(std::string_view)>;
 
-constexpr std::size_t kPiece = 128 * 1024;
-constexpr std::size_t kFirstDataBuffer = 16 * 1024;
-constexpr std::size_t kLargestNameBuffer = 64 * 1024;
+constexpr std::size_t kPiece = std::size_t{128} * 1024;
+constexpr std::size_t kFirstDataBuffer = std::size_t{16} * 1024;
+constexpr std::size_t kLargestNameBuffer = std::size_t{64} * 1024;
 constexpr const char* kVanished = "it vanished meanwhile";
 constexpr const char* kNoAccess = "it may not be read";
 

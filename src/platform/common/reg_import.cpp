@@ -22,7 +22,7 @@
 namespace korvex::platform {
 namespace {
 
-constexpr std::size_t kBlock = 64 * 1024;
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
 
 // Fills the buffer's front and tells how much; 0 at the end.
 using Source = std::function<Status(char* buffer, std::size_t size, std::size_t& read)>;

@@ -261,6 +261,7 @@ CodePage::CodePage(const CodePageHalf& half) : number_(half.number), upperHalf_(
 const CodePage* CodePage::find(int number) {
   static const std::vector<CodePage> pages = [] {
     std::vector<CodePage> all;
+    all.reserve(kCodePageHalves.size());
     for (const CodePageHalf& half : kCodePageHalves) all.push_back(CodePage(half));
     return all;
   }();
