@@ -39,8 +39,11 @@ TextBox::TextBox(Form& form, std::string name, TextBoxOptions options)
 
 std::string TextBox::stateText() const { return Text; }
 
-std::string ListControl::stateText() const {
-  return ListIndex < 0 ? "" : items_[static_cast<std::size_t>(ListIndex.get())];
+std::string ListControl::stateText() const { return selectedItem(); }
+
+std::string ListControl::selectedItem() const {
+  const int index = ListIndex;
+  return index < 0 || index >= ListCount() ? "" : items_[static_cast<std::size_t>(index)];
 }
 
 void ListControl::AddItem(std::string item) {
@@ -51,11 +54,11 @@ void ListControl::AddItem(std::string item) {
 void ListControl::RemoveItem(int index) {
   if (index < 0 || index >= ListCount()) return;
   const int selected = ListIndex;
-  // The selection goes first: no handler may see an index past the end.
+  // No handler may see an index past the end, or one that names another item than before.
   if (selected == index) ListIndex = -1;
   items_.erase(items_.begin() + index);
-  itemsChanged.raise();
   if (selected > index) ListIndex = selected - 1;
+  itemsChanged.raise();
 }
 
 void ListControl::Clear() {
@@ -72,10 +75,14 @@ ListBox::ListBox(Form& form, std::string name, int visibleRows)
 ComboBox::ComboBox(Form& form, std::string name, Style style)
     : ListControl(form, ControlKind::ComboBox, std::move(name), ""), style_(style) {
   ListIndex.changed += [this] {
-    if (ListIndex >= 0) Text = items()[static_cast<std::size_t>(ListIndex.get())];
+    // Free text stays when its item goes; a list without free text shows its selection, or nothing.
+    if (ListIndex >= 0 || style_ == Style::DropDownList) Text = selectedItem();
     Click.raise();
   };
-  Text.changed += [this] { Change.raise(); };
+  Text.changed += [this] {
+    if (ListIndex >= 0 && Text.get() != selectedItem()) ListIndex = -1;
+    Change.raise();
+  };
 }
 
 std::string ComboBox::stateText() const { return Text; }

@@ -67,6 +67,7 @@ class ListControl : public Control {
   void Clear();
   const std::vector<std::string>& items() const { return items_; }
   int ListCount() const { return static_cast<int>(items_.size()); }
+  std::string selectedItem() const;  // "" for none
 
   Property<int> ListIndex{-1};
   Event Click;         // raised whenever ListIndex changes
@@ -93,7 +94,8 @@ class ComboBox : public ListControl {
   std::string stateText() const override;
   Style style() const { return style_; }
 
-  Property<std::string> Text;  // follows the selection; free text with Style::DropDown
+  // Follows the selection. With Style::DropDown also free text, which takes the selection away.
+  Property<std::string> Text;
   Event Change;
 
  private:

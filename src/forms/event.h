@@ -29,7 +29,7 @@ class Subscription {
 };
 
 // Handlers run in the order in which they were added. A handler may raise the event again, add
-// handlers or end its own subscription.
+// handlers or end any subscription: one that has ended is not called any more.
 class Event {
  public:
   using Handler = std::function<void()>;
@@ -43,24 +43,31 @@ class Event {
     const std::uint64_t id = add(std::move(handler));
     return Subscription([list = std::weak_ptr(entries_), id] {
       if (const auto entries = list.lock()) {
-        std::erase_if(*entries, [id](const auto& entry) { return entry->id == id; });
+        std::erase_if(*entries, [id](const auto& entry) {
+          if (entry->id != id) return false;
+          entry->ended = true;
+          return true;
+        });
       }
     });
   }
 
   void raise() const {
     const auto now = *entries_;  // a copy: handlers may change the list
-    for (const auto& entry : now) entry->handler();
+    for (const auto& entry : now) {
+      if (!entry->ended) entry->handler();
+    }
   }
 
  private:
   struct Entry {
     std::uint64_t id;
     Handler handler;
+    bool ended = false;
   };
 
   std::uint64_t add(Handler handler) {
-    entries_->push_back(std::make_shared<Entry>(Entry{++lastId_, std::move(handler)}));
+    entries_->push_back(std::make_shared<Entry>(Entry{++lastId_, std::move(handler), false}));
     return lastId_;
   }
 

@@ -1,0 +1,176 @@
+// What forms and their controls promise to those who build on them.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "forms/form.h"
+#include "forms/form_book.h"
+
+namespace korvex::forms {
+namespace {
+
+TEST(Events, ASubscriptionEndedByAnEarlierHandlerIsNotCalled) {
+  Event event;
+  int calls = 0;
+  Subscription later;
+  event += [&later] { later = Subscription(); };
+  later = event.subscribe([&calls] { ++calls; });
+
+  event.raise();
+
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(Events, AHandlerMayPutThePropertyBack) {
+  Property<int> value{1};
+  std::vector<int> seen;
+  value.changed += [&value] { value = 1; };
+  value.changed += [&value, &seen] { seen.push_back(value); };
+
+  value = 2;
+
+  EXPECT_EQ(value.get(), 1);
+  EXPECT_EQ(seen.back(), 1);
+}
+
+TEST(OptionButtons, OneClearsTheOthersOfItsGroupOnly) {
+  Form form("frm", "");
+  OptionButton a(form, "a", "", "one");
+  OptionButton b(form, "b", "", "one");
+  OptionButton other(form, "other", "", "two");
+  a.Value = true;
+  other.Value = true;
+
+  b.Value = true;
+
+  EXPECT_FALSE(a.Value);
+  EXPECT_TRUE(b.Value);
+  EXPECT_TRUE(other.Value);
+}
+
+struct Lists : ::testing::Test {
+  Form form{"frm", ""};
+  ListBox list{form, "lst"};
+  ComboBox combo{form, "cbo", ComboBox::Style::DropDown};
+  ComboBox fixed{form, "cboFixed", ComboBox::Style::DropDownList};
+  void SetUp() override {
+    for (const char* item : {"one", "two", "three"}) {
+      list.AddItem(item);
+      combo.AddItem(item);
+      fixed.AddItem(item);
+    }
+  }
+};
+
+TEST_F(Lists, EveryHandlerSeesAnIndexThatFitsTheItems) {
+  list.ListIndex = 2;
+  bool fits = true;
+  const auto look = [&] { fits = fits && list.ListIndex < list.ListCount(); };
+  list.ListIndex.changed += look;
+  list.itemsChanged += look;
+
+  list.RemoveItem(0);
+  EXPECT_EQ(list.stateText(), "three");
+  list.RemoveItem(1);
+  EXPECT_EQ(list.ListIndex.get(), -1);
+  list.AddItem("four");
+  list.ListIndex = 1;
+  list.Clear();
+
+  EXPECT_TRUE(fits);
+  EXPECT_EQ(list.stateText(), "");
+}
+
+TEST_F(Lists, TypedTextTakesTheSelectionAwaySoThatTheItemCanBePickedAgain) {
+  combo.ListIndex = 1;
+  combo.Text = "typed";
+  EXPECT_EQ(combo.ListIndex.get(), -1);
+  EXPECT_EQ(combo.Text.get(), "typed");
+
+  combo.ListIndex = 1;
+
+  EXPECT_EQ(combo.Text.get(), "two");
+  EXPECT_EQ(combo.ListIndex.get(), 1);
+}
+
+TEST_F(Lists, AComboWithoutFreeTextShowsNothingOnceItIsCleared) {
+  fixed.ListIndex = 0;
+  fixed.Clear();
+  EXPECT_EQ(fixed.stateText(), "");
+
+  combo.Text = "typed";
+  combo.Clear();
+  EXPECT_EQ(combo.stateText(), "typed");
+}
+
+TEST(Controls, PlainCaptionIsWhatAScreenReaderSays) {
+  EXPECT_EQ(plainCaption("&Save as..."), "Save as");
+  EXPECT_EQ(plainCaption("Fish && &chips:"), "Fish & chips");
+}
+
+TEST(Controls, ALabelNamesItsBuddyUnlessThatHasAName) {
+  Form form("frm", "");
+  TextBox unnamed(form, "a");
+  TextBox named(form, "b");
+  named.AccessibleName = "Second octet";
+  const Label one(form, "lbl1", "&Address:", &unnamed);
+  const Label two(form, "lbl2", "&Other:", &named);
+
+  EXPECT_EQ(unnamed.accessibleName(), "Address");
+  EXPECT_EQ(named.accessibleName(), "Second octet");
+}
+
+TEST(Controls, ADisabledOrHiddenButtonCannotBePressed) {
+  Form form("frm", "");
+  CommandButton button(form, "cmd", "&Go");
+  int presses = 0;
+  button.Click += [&presses] { ++presses; };
+  button.Enabled = false;
+  button.press();
+  button.Enabled = true;
+  button.Visible = false;
+  button.press();
+  EXPECT_EQ(presses, 0);
+
+  button.Visible = true;
+  button.press();
+  EXPECT_EQ(presses, 1);
+}
+
+// Tells on the outside what happens to it.
+class LifeForm : public Form {
+ public:
+  LifeForm(std::vector<std::string>& events, const bool& mayGo)
+      : Form("frmLife", ""), events_(events), mayGo_(mayGo) {}
+  ~LifeForm() override { events_.push_back("gone"); }
+  void Load() override { events_.push_back("Load"); }
+  bool QueryUnload() override { return mayGo_; }
+  void Unload() override { events_.push_back("Unload"); }
+
+ private:
+  std::vector<std::string>& events_;
+  const bool& mayGo_;
+};
+
+TEST(FormBook, LeadsAFormThroughItsLifeWhenItAgreesToGo) {
+  std::vector<std::string> events;
+  bool mayGo = false;
+  FormBook book;
+  book.add("frmLife", [&] { return std::make_unique<LifeForm>(events, mayGo); });
+
+  Form& form = book.load("FRMLIFE");
+  EXPECT_EQ(&book.load("frmLife"), &form);
+  EXPECT_FALSE(book.unload("frmLife"));
+  EXPECT_EQ(book.loaded("frmLife"), &form);
+  mayGo = true;
+  EXPECT_TRUE(book.unload("frmLife"));
+
+  EXPECT_EQ(events, (std::vector<std::string>{"Load", "Unload", "gone"}));
+  EXPECT_EQ(book.loaded("frmLife"), nullptr);
+  EXPECT_THROW(book.load("frmOther"), std::out_of_range);
+}
+
+}  // namespace
+}  // namespace korvex::forms
