@@ -1,0 +1,141 @@
+// Lists and combo boxes, which show the control's own items through a model: adding one of many
+// thousand costs the same as adding the first.
+#include "qt/list_widgets.h"
+
+#include <QAbstractListModel>
+#include <QComboBox>
+#include <QCompleter>
+#include <QLineEdit>
+#include <QListView>
+#include <algorithm>
+#include <memory>
+
+#include "qt/text.h"
+
+namespace korvex::qt {
+namespace {
+
+constexpr int kListWidth = 30;  // characters
+constexpr int kFewestRows = 3;
+
+class ItemModel : public QAbstractListModel {
+ public:
+  ItemModel(const forms::ListControl& control, QObject* parent)
+      : QAbstractListModel(parent), control_(control), shown_(control.ListCount()) {}
+
+  int rowCount(const QModelIndex& parent = {}) const override {
+    return parent.isValid() ? 0 : shown_;
+  }
+  QVariant data(const QModelIndex& index, int role) const override {
+    const bool text = role == Qt::DisplayRole || role == Qt::EditRole;
+    if (!text || index.row() >= control_.ListCount()) return {};
+    return toQt(control_.items()[static_cast<std::size_t>(index.row())]);
+  }
+
+  void refresh() {
+    const int count = control_.ListCount();
+    if (count == shown_ + 1) {  // AddItem adds at the end
+      beginInsertRows({}, shown_, shown_);
+      shown_ = count;
+      endInsertRows();
+      return;
+    }
+    beginResetModel();
+    shown_ = count;
+    endResetModel();
+  }
+
+ private:
+  const forms::ListControl& control_;
+  int shown_;
+};
+
+class ListView : public QListView {
+ public:
+  ListView(int rows, QWidget* parent) : QListView(parent), rows_(rows) {
+    setEditTriggers(NoEditTriggers);
+    setTextElideMode(Qt::ElideNone);
+    // A long text is reached by scrolling.
+    setHorizontalScrollMode(ScrollPerPixel);
+  }
+
+  QSize sizeHint() const override { return {width(kListWidth), height(rows_)}; }
+  QSize minimumSizeHint() const override {
+    return {width(kListWidth / 2), height(std::min(rows_, kFewestRows))};
+  }
+
+ private:
+  int width(int characters) const {
+    return fontMetrics().horizontalAdvance('x') * characters + 2 * frameWidth();
+  }
+  int height(int rows) const {
+    const int row = std::max(sizeHintForRow(0), fontMetrics().lineSpacing());
+    return row * rows + 2 * frameWidth();
+  }
+
+  int rows_;
+};
+
+}  // namespace
+
+QWidget* makeListBox(forms::ListBox& control, QWidget* parent, Bindings& bindings) {
+  auto* list = new ListView(control.visibleRows(), parent);
+  auto* model = new ItemModel(control, list);
+  list->setModel(model);
+  const auto showing = std::make_shared<bool>(false);
+  const auto select = [&control, list, model, showing] {
+    const QModelIndex index = model->index(control.ListIndex);
+    if (list->currentIndex() == index) return;
+    *showing = true;
+    list->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    *showing = false;
+  };
+  bindings.on(control.itemsChanged, [model, select, showing] {
+    // Rows that come and go move the current one: that is no choice of the user.
+    *showing = true;
+    model->refresh();
+    *showing = false;
+    select();
+  });
+  bindings.follow(control.ListIndex, select);
+  QObject::connect(list->selectionModel(), &QItemSelectionModel::currentChanged, list,
+                   [&control, showing](const QModelIndex& current) {
+                     if (!*showing) control.ListIndex = current.row();
+                   });
+  QObject::connect(list, &QListView::doubleClicked, list, [&control] { control.DblClick.raise(); });
+  return list;
+}
+
+QWidget* makeComboBox(forms::ComboBox& control, QWidget* parent, Bindings& bindings) {
+  auto* combo = new QComboBox(parent);
+  auto* model = new ItemModel(control, combo);
+  combo->setModel(model);
+  combo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  const bool freeText = control.style() == forms::ComboBox::Style::DropDown;
+  combo->setEditable(freeText);
+  if (freeText) {
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->setCompleter(nullptr);  // what is typed is what is meant
+    combo->setMinimumContentsLength(kListWidth / 2);
+  }
+  const auto show = [&control, combo, freeText] {
+    combo->setCurrentIndex(control.ListIndex);
+    const QString text = toQt(control.Text.get());
+    if (freeText && combo->currentText() != text) combo->setEditText(text);
+  };
+  bindings.on(control.itemsChanged, [model, show] {
+    model->refresh();
+    show();
+  });
+  bindings.follow(control.ListIndex, show);
+  bindings.follow(control.Text, show);
+  QObject::connect(combo, &QComboBox::activated, combo,
+                   [&control](int index) { control.ListIndex = index; });
+  if (freeText) {
+    QObject::connect(combo->lineEdit(), &QLineEdit::textEdited, combo,
+                     [&control](const QString& text) { control.Text = fromQt(text); });
+  }
+  return combo;
+}
+
+}  // namespace korvex::qt
