@@ -1,0 +1,10 @@
+// The program's icon, drawn in code.
+#pragma once
+
+#include <QIcon>
+
+namespace korvex::qt {
+
+QIcon programIcon();
+
+}  // namespace korvex::qt

@@ -1,0 +1,116 @@
+// The program "korvex-gui".
+#include <CLI/CLI.hpp>
+#include <QMessageBox>
+#include <QTimer>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "program/open_machine.h"
+#include "program/program.h"
+#include "qt/application.h"
+#include "qt/form_view.h"
+#include "qt/qt_host.h"
+#include "qt/qt_prompts.h"
+#include "qt/style.h"
+#include "qt/text.h"
+
+namespace korvex::qt {
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kUsage = 2;
+constexpr int kNoMachine = 3;
+constexpr int kBusy = 4;
+constexpr int kFailed = 5;
+
+struct Options {
+  std::string machine;
+  std::string look;
+  std::string screenshot;
+};
+
+void describe(CLI::App& app, Options& options) {
+  app.add_option("machine,--machine", options.machine, "The machine's folder")
+      ->envname("KORVEX_MACHINE");
+  app.add_option("--style", options.look,
+                 "How windows look: \"windows\" is the classic look; default: the desktop's own");
+  // For documentation: shows the main window, saves a picture of it and leaves.
+  app.add_option("--screenshot", options.screenshot, "")->group("");
+  app.set_version_flag("--version", "korvex " KORVEX_VERSION);
+}
+
+bool hasDisplay() {
+  for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return true;
+  }
+  return false;
+}
+
+int tellRefusal(const platform::OpenedMachine& opened) {
+  std::cerr << "korvex-gui: " << opened.message << '\n';
+  QMessageBox::critical(nullptr, "Korvex", toQt(opened.message));
+  switch (opened.status) {
+    case platform::ERROR_WRITE_PROTECT:
+    case platform::ERROR_BUSY:
+    case platform::ERROR_SHARING_VIOLATION:
+      return kBusy;
+    case platform::ERROR_DISK_FULL:
+      return kFailed;
+    default:
+      return kNoMachine;
+  }
+}
+
+int runOn(platform::Machine& machine, const Options& options) {
+  QtPrompts prompts;
+  prompts.setFiles(machine.files());
+  QtHost host;
+  bool saved = true;
+  if (!options.screenshot.empty()) {
+    host.onShown = [&](FormView& view) {
+      QTimer::singleShot(0, &view, [&] {
+        saved = view.grab().save(toQt(options.screenshot), "PNG");
+        view.close();
+      });
+    };
+  }
+  const int code = program::Program(machine, prompts).run(host);
+  if (!saved) std::cerr << "korvex-gui: could not write " << options.screenshot << '\n';
+  return saved ? code : kFailed;
+}
+
+int run(int argc, char** argv) {
+  CLI::App app("Korvex: tunes an installed Windows 95, 98, Me, NT 4 or 2000", "korvex-gui");
+  Options options;
+  describe(app, options);
+  Look look = Look::Desktop;
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& end) {
+    return app.exit(end) == 0 ? kDone : kUsage;
+  }
+  if (!lookNamed(options.look, look)) {
+    std::cerr << "korvex-gui: there is no style '" << options.look << "', only 'windows'\n";
+    return kUsage;
+  }
+  if (!hasDisplay()) {
+    std::cerr << "korvex-gui: there is no display here; \"korvex\" works without one\n";
+    return kFailed;
+  }
+  // Qt has options of its own that would clash with the program's: it sees none.
+  int one = 1;
+  Application application(one, argv);
+  useLook(look);
+  platform::OpenedMachine opened =
+      program::openMachine(options.machine, platform::OpenMode::ReadWrite);
+  if (!opened.machine) return tellRefusal(opened);
+  return runOn(*opened.machine, options);
+}
+
+}  // namespace
+}  // namespace korvex::qt
+
+int main(int argc, char** argv) { return korvex::qt::run(argc, argv); }
