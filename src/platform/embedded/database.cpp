@@ -2,12 +2,12 @@
 #include "platform/embedded/database.h"
 
 #include <fmt/format.h>
-#include <stdlib.h>
 
 #include <cerrno>
 #include <utility>
 
 #include "platform/embedded/database_file.h"
+#include "platform/embedded/reader_vfs.h"
 
 namespace korvex::platform {
 namespace {
@@ -15,9 +15,11 @@ namespace {
 constexpr int kBusyMilliseconds = 5000;
 constexpr int kPageBytes = 8192;
 constexpr int kLongLogPages = (8 << 20) / kPageBytes;
+// Source: "The WAL-Index File Format" of SQLite.
 constexpr int kIndexRegionBytes = 32768;
+constexpr std::size_t kFramesWord = 4;        // how many frames the log has
+constexpr std::size_t kMovedFramesWord = 24;  // how many of them have been moved
 
-// The log index stays SQLite's business, except that its header changes with every commit.
 constexpr const char* kPragmas =
     "PRAGMA wal_autocheckpoint=0; PRAGMA synchronous=NORMAL; PRAGMA cache_size=-6144;"
     "PRAGMA temp_store=MEMORY; PRAGMA trusted_schema=OFF;";
@@ -87,17 +89,6 @@ int rememberLogPages(void* pages, sqlite3* /*handle*/, const char* /*name*/, int
   return SQLITE_OK;
 }
 
-// A folder of our own with copies of the database and its log.
-std::filesystem::path copyAside(const std::filesystem::path& folder, std::error_code& error) {
-  std::string name = (std::filesystem::temp_directory_path(error) / "korvex-XXXXXX").string();
-  if (error || mkdtemp(name.data()) == nullptr) return {};
-  const std::filesystem::path copy = name;
-  std::filesystem::copy_file(databaseFile(folder), databaseFile(copy), error);
-  // The log after the database: what a writer adds meanwhile is in the log alone.
-  if (!error) std::filesystem::copy_file(logFile(folder), logFile(copy), error);
-  return copy;
-}
-
 }  // namespace
 
 Status Database::create(const std::filesystem::path& file, std::string& message) {
@@ -122,7 +113,8 @@ Status Database::create(const std::filesystem::path& file, std::string& message)
 
 std::unique_ptr<Database> Database::open(const std::filesystem::path& machineFolder, OpenMode mode,
                                          Status& status, std::string& message) {
-  status = checkDatabaseFile(databaseFile(machineFolder), message);
+  const std::filesystem::path file = databaseFile(machineFolder);
+  status = checkDatabaseFile(file, message);
   if (status != ERROR_SUCCESS) return nullptr;
   std::unique_ptr<Database> database(new Database);
   database->readOnly_ = mode == OpenMode::Read;
@@ -133,10 +125,9 @@ std::unique_ptr<Database> Database::open(const std::filesystem::path& machineFol
                                             : database->openWriter(machineFolder);
   status = database->report(result);
   if (status == ERROR_SUCCESS) return database;
-  message = fmt::format("{}: {}. {}", databaseFile(machineFolder).string(),
-                        sqlite3_errmsg(database->handle_),
-                        status == ERROR_BUSY ? "Wait until the other program is done."
-                                             : "Restore the registry from a backup.");
+  const char* const advice = status == ERROR_BUSY ? "Wait until the other program is done."
+                                                  : "Restore the registry from a backup.";
+  message = fmt::format("{}: {}. {}", file.string(), sqlite3_errmsg(database->handle_), advice);
   return nullptr;
 }
 
@@ -154,10 +145,10 @@ Database::~Database() {
   sqlite3_close(handle_);
 }
 
-int Database::configure(const char* pragmas) {
+int Database::configure() {
   sqlite3_extended_result_codes(handle_, 1);
   sqlite3_busy_timeout(handle_, kBusyMilliseconds);
-  int result = run(pragmas);
+  int result = run(kPragmas);
   const auto add = [&](std::unique_ptr<Statement>& statement, const char* sql) {
     statement = std::make_unique<Statement>();
     if (result == SQLITE_OK) result = statement->prepare(handle_, sql);
@@ -169,49 +160,26 @@ int Database::configure(const char* pragmas) {
   return result;
 }
 
-int Database::openReader(const std::filesystem::path& folder) {
-  if (!lock_->take(MachineLock::kDatabaseByte, LockKind::Shared, Wait::Yes)) return SQLITE_BUSY;
-  const bool still = logIsEmpty(folder);
-  // With a log the index file may only be read, never made or changed.
-  const std::string name = uri(databaseFile(folder), still ? "immutable=1" : "readonly_shm=1");
-  constexpr int kFlags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
-  // One snapshot for life: what a reader tells is one state of the machine.
-  constexpr const char* kSnapshot = "BEGIN; SELECT id FROM keys WHERE id = 1;";
-  int result = sqlite3_open_v2(name.c_str(), &handle_, kFlags, nullptr);
-  if (result == SQLITE_OK) result = configure(kPragmas);
-  if (result == SQLITE_OK) result = run(kSnapshot);
-  const int kind = result & 0xFF;
-  if (!still && (kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY)) {
-    result = openPrivateCopy(folder);
-    if (result == SQLITE_OK) result = run(kSnapshot);
-  }
-  return result;
+int Database::openFile(const std::string& name, int flags, const char* vfs) {
+  int result = sqlite3_open_v2(name.c_str(), &handle_, flags | SQLITE_OPEN_URI, vfs);
+  // Before anything looks into the file: without an index file no other mode can.
+  if (result == SQLITE_OK && vfs != nullptr) result = run("PRAGMA locking_mode=EXCLUSIVE;");
+  return result == SQLITE_OK ? configure() : result;
 }
 
-// Where a log has no index file that a reader could use, the index would have to be written.
-int Database::openPrivateCopy(const std::filesystem::path& folder) {
-  begin_.reset();
-  commit_.reset();
-  rollback_.reset();
-  dataVersion_.reset();
-  sqlite3_close(std::exchange(handle_, nullptr));
-  std::error_code error;
-  const auto copy = copyAside(folder, error);
-  int result =
-      error ? SQLITE_CANTOPEN
-            : sqlite3_open_v2(databaseFile(copy).c_str(), &handle_, SQLITE_OPEN_READWRITE, nullptr);
-  // The exclusive mode keeps the index in memory; the first read opens the log.
-  if (result == SQLITE_OK) result = run("PRAGMA locking_mode=EXCLUSIVE;");
-  if (result == SQLITE_OK) result = configure(kPragmas);
-  if (result == SQLITE_OK) result = run("SELECT id FROM keys WHERE id = 1; PRAGMA query_only=1;");
-  if (!copy.empty()) std::filesystem::remove_all(copy, error);
-  return result;
+int Database::openReader(const std::filesystem::path& folder) {
+  if (!lock_->take(MachineLock::kDatabaseByte, LockKind::Shared, Wait::Yes)) return SQLITE_BUSY;
+  const std::filesystem::path file = databaseFile(folder);
+  const bool noLog = logIsEmpty(folder);
+  const int result = noLog ? openFile(uri(file, "immutable=1"), SQLITE_OPEN_READONLY, nullptr)
+                           : openFile(uri(file, "mode=ro"), SQLITE_OPEN_READONLY, readerVfs());
+  sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  // One snapshot for life: what a reader tells is one state of the machine.
+  return result == SQLITE_OK ? run("BEGIN; SELECT id FROM keys WHERE id = 1;") : result;
 }
 
 int Database::openWriter(const std::filesystem::path& folder) {
-  int result =
-      sqlite3_open_v2(databaseFile(folder).c_str(), &handle_, SQLITE_OPEN_READWRITE, nullptr);
-  if (result == SQLITE_OK) result = configure(kPragmas);
+  int result = openFile(uri(databaseFile(folder), "mode=rw"), SQLITE_OPEN_READWRITE, nullptr);
   if (result == SQLITE_OK) result = run("PRAGMA journal_mode=WAL;");
   sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   sqlite3_wal_hook(handle_, rememberLogPages, &walPages_);
@@ -256,10 +224,30 @@ Status Database::prepare(Statement& statement, std::string_view sql) {
   return report(statement.prepare(handle_, sql));
 }
 
+// SQLite starts the log over with the next write once all of it has been moved. Readers that were
+// there before count on the log as it is.
+bool Database::logWouldStartOver() const {
+  if (indexHeader_ == nullptr) return false;
+  const std::uint32_t frames = indexHeader_[kFramesWord];
+  return frames != 0 && frames == indexHeader_[kMovedFramesWord];
+}
+
 Status Database::begin() {
   failure_ = ERROR_SUCCESS;
-  const StatementRun run(*begin_);
-  return report(begin_->step());
+  {
+    const StatementRun run(*begin_);
+    const Status status = report(begin_->step());
+    if (status != ERROR_SUCCESS || !logWouldStartOver()) return status;
+  }
+  startsOver_ = lock_->take(MachineLock::kDatabaseByte, LockKind::Exclusive, Wait::Yes);
+  if (startsOver_) return ERROR_SUCCESS;
+  rollback();
+  return report(SQLITE_BUSY);
+}
+
+void Database::letReadersIn() {
+  if (startsOver_) lock_->release(MachineLock::kDatabaseByte);
+  startsOver_ = false;
 }
 
 Status Database::commit() {
@@ -269,15 +257,19 @@ Status Database::commit() {
     result = commit_->step();
   }
   const Status status = report(result);
-  if (status == ERROR_SUCCESS) checkpointIfLong();
+  if (status != ERROR_SUCCESS) return status;
+  letReadersIn();
+  checkpointIfLong();
   return status;
 }
 
 void Database::rollback() {
   // After a full disk SQLite may have rolled back by itself.
-  if (sqlite3_get_autocommit(handle_) != 0) return;
-  const StatementRun run(*rollback_);
-  rollback_->step();
+  if (sqlite3_get_autocommit(handle_) == 0) {
+    const StatementRun run(*rollback_);
+    rollback_->step();
+  }
+  letReadersIn();
 }
 
 Status Database::flush() {

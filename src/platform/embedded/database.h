@@ -16,9 +16,10 @@
 
 namespace korvex::platform {
 
-// A writer appends to the write-ahead log only; the log moves into registry.db while nobody holds
-// MachineLock::kDatabaseByte. A reader holds it shared for as long as it lives, so registry.db
-// itself stands still under it and needs no lock or index file of SQLite's.
+// A writer appends to the write-ahead log only. The log moves into registry.db, and starts over,
+// while nobody holds MachineLock::kDatabaseByte. A reader holds it shared for as long as it lives:
+// database and log stand still under it, but for what is added at the end, so that it needs no lock
+// and no index file of SQLite's and leaves no trace.
 class Database {
  public:
   // machineFolder holds registry.db and machine.json. Null with status and message on failure.
@@ -53,18 +54,21 @@ class Database {
 
   Database() = default;
   int openReader(const std::filesystem::path& folder);
-  int openPrivateCopy(const std::filesystem::path& folder);
+  int openFile(const std::string& name, int flags, const char* vfs);
   int openWriter(const std::filesystem::path& folder);
-  int configure(const char* pragmas);
+  int configure();
   int run(const char* sql) { return sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr); }
   void mapIndexHeader();
   IndexHeader readIndexHeader() const;
   std::int64_t dataVersion();
+  bool logWouldStartOver() const;
+  void letReadersIn();
   void checkpointIfLong();
 
   sqlite3* handle_ = nullptr;
   std::unique_ptr<MachineLock> lock_;
   bool readOnly_ = false;
+  bool startsOver_ = false;  // the open transaction holds lock_ against new readers
   Status failure_ = ERROR_SUCCESS;
   int walPages_ = 0;
   const volatile std::uint32_t* indexHeader_ = nullptr;  // SQLite's mapping of the index file

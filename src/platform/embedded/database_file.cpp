@@ -2,11 +2,11 @@
 #include "platform/embedded/database_file.h"
 
 #include <fmt/format.h>
+#include <sqlite3.h>
 
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
 
 namespace korvex::platform {
 namespace {
@@ -32,6 +32,22 @@ std::uint64_t expectedSize(const Header& header) {
   return page * bigEndian(header, kPageCountAt, 4);
 }
 
+// Through SQLite's own file, unlocked: closing any other descriptor of the file would drop the
+// locks that this process may hold on it by another connection.
+bool readHeader(const std::filesystem::path& file, Header& header, bool& whole) {
+  sqlite3* handle = nullptr;
+  sqlite3_file* opened = nullptr;
+  int result = sqlite3_open_v2(file.c_str(), &handle, SQLITE_OPEN_READONLY, nullptr);
+  if (result == SQLITE_OK) {
+    result = sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &opened);
+  }
+  if (result == SQLITE_OK) {
+    whole = opened->pMethods->xRead(opened, header.data(), kHeaderBytes, 0) == SQLITE_OK;
+  }
+  sqlite3_close(handle);
+  return result == SQLITE_OK;
+}
+
 }  // namespace
 
 Status checkDatabaseFile(const std::filesystem::path& file, std::string& message) {
@@ -42,14 +58,12 @@ Status checkDatabaseFile(const std::filesystem::path& file, std::string& message
     return ERROR_FILE_NOT_FOUND;
   }
   Header header = {};
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) {
+  bool whole = false;
+  if (!readHeader(file, header, whole)) {
     message = fmt::format("{}: the registry cannot be opened. Check the file's permissions.",
                           file.string());
     return ERROR_ACCESS_DENIED;
   }
-  stream.read(reinterpret_cast<char*>(header.data()), header.size());
-  const bool whole = stream.gcount() == static_cast<std::streamsize>(header.size());
   if (!whole || std::memcmp(header.data(), "SQLite format 3", 16) != 0 ||
       bigEndian(header, kApplicationIdAt, 4) != kApplicationId) {
     message =
