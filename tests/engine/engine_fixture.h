@@ -2,6 +2,7 @@
 // worker and store. And the registry as a person would look at it.
 #pragma once
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -11,6 +12,7 @@
 
 #include "engine/catalogue.h"
 #include "engine/pending_changes.h"
+#include "engine/raw_value.h"
 #include "engine/readers.h"
 #include "engine/reg_worker.h"
 #include "forms/form_book.h"
