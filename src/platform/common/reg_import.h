@@ -39,7 +39,7 @@ struct RegImportResult {
 };
 
 // Applies a file in its order, as one change: a registry that fails (full, read-only, busy) is left
-// as it was. The stream is read in blocks, never whole.
+// as it was. On the disk after registry.flush(). The stream is read in blocks, never whole.
 RegImportResult importRegText(Registry& registry, std::istream& source,
                               const RegImportOptions& options = {});
 RegImportResult importRegFile(Registry& registry, const std::filesystem::path& file,

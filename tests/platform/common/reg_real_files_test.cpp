@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "platform/common/reg_fixture.h"
+#include "platform/common/reg_parser.h"
+#include "platform/common/reg_writer.h"
 #include "support/machines.h"
 
 namespace korvex::platform {
@@ -44,6 +46,48 @@ TEST(RegRealFiles, NothingIsRefused) {
     EXPECT_EQ(result.status, ERROR_SUCCESS) << result.message;
     EXPECT_EQ(result.refused, 0U) << result.messages.front();
     EXPECT_GT(result.values, 0U) << file;
+  }
+}
+
+// Writes down again what it hears.
+class Copier : public RegTextSink {
+ public:
+  RegStep beginKey(std::size_t, const KeyPath& key) override {
+    if (begun_) writer.endKey();
+    begun_ = true;
+    EXPECT_EQ(writer.beginKey(fullKeyName(key.root, key.path)), nullptr);
+    return RegStep::Done;
+  }
+  RegStep deleteKey(std::size_t, const KeyPath&) override { return RegStep::Refused; }
+  RegStep setValue(std::size_t, std::string_view name, RegType type,
+                   std::string_view data) override {
+    EXPECT_EQ(writer.value(name, type, data), nullptr) << name;
+    return RegStep::Done;
+  }
+  RegStep deleteValue(std::size_t, std::string_view) override { return RegStep::Refused; }
+  void problem(std::size_t line, std::string_view text) override {
+    ADD_FAILURE() << line << ": " << text;
+  }
+  void note(std::size_t, std::string_view) override {}
+
+  RegTextWriter writer{RegFormat::Version5, *CodePage::find(1252)};
+
+ private:
+  bool begun_ = false;
+};
+
+TEST(RegRealFiles, ReadAndWrittenAgainIsTheSameToTheByte) {
+  SKIP_WITHOUT_REAL_FILES();
+  for (const auto& file : realFiles()) {
+    std::ifstream stream(file, std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    Copier copier;
+    copier.writer.header();
+    RegTextParser parser(copier, *CodePage::find(1252), ShortRoots::No);
+    parser.feed(text);
+    parser.finish();
+    copier.writer.endKey();
+    EXPECT_TRUE(copier.writer.bytes() == text) << file;
   }
 }
 
