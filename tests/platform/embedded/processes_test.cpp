@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "platform/contract/registry_access.h"
-#include "platform/embedded/child_process.h"
+#include "support/child_process.h"
 #include "support/machines.h"
 
 namespace korvex::platform {

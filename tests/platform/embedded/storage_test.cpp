@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "platform/contract/registry_access.h"
-#include "platform/embedded/child_process.h"
+#include "support/child_process.h"
 #include "support/machines.h"
 
 namespace korvex::platform {

@@ -1,0 +1,140 @@
+// A kill at any moment of Apply and of an import: the machine is sound and every change is whole.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "forms/controls.h"
+#include "platform/common/reg_export.h"
+#include "platform/common/reg_import.h"
+#include "program/program.h"
+#include "support/child_process.h"
+#include "support/machines.h"
+#include "support/scripted_prompts.h"
+
+namespace korvex::program {
+namespace {
+
+using platform::HKEY_LOCAL_MACHINE;
+
+constexpr const char* kRunOnceEx = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnceEx";
+constexpr const char* kServices = "Software\\Microsoft\\Windows\\CurrentVersion\\RunServicesOnce";
+
+// The whole registry as text: reads every page of every key that is there.
+std::string wholeText(platform::Registry& registry) {
+  std::ostringstream text;
+  const auto result = platform::exportRegText(registry, platform::wholeRegistry(), text,
+                                              {.format = platform::RegFormat::Regedit4});
+  EXPECT_EQ(result.status, 0) << result.message;
+  return text.str();
+}
+
+bool has(platform::Registry& registry, const char* path, const char* value) {
+  const platform::OpenKey key(registry, HKEY_LOCAL_MACHINE, path, platform::KEY_QUERY_VALUE);
+  return key.status() == 0 &&
+         registry.RegQueryValueExA(key.get(), value, nullptr, nullptr, nullptr) == 0;
+}
+
+// Kills the work after a random while, round after round; after each kill the machine is opened
+// again and judged. Returns in how many rounds the work was killed in the midst of it.
+template <typename Work, typename Judge>
+void killAgainAndAgain(test::TestMachine& machine, int rounds, int longestMicroseconds, Work work,
+                       Judge judge) {
+  std::mt19937 random(20001125);
+  std::uniform_int_distribution<useconds_t> wait(0, longestMicroseconds);
+  machine.close();
+  for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
+    test::ChildProcess child([&] {
+      work(round);
+      pause();
+      return 0;
+    });
+    usleep(wait(random));
+    child.kill();
+    machine.reopen(platform::OpenMode::Read);
+    judge(machine.registry(), round);
+    machine.close();
+  }
+}
+
+// Ticks and clears every box in turn and applies, for as long as it lives.
+void applyForEver(const test::TestMachine& machine) {
+  const auto opened = machine.open(platform::OpenMode::ReadWrite);
+  test::ScriptedPrompts prompts;
+  Program program(*opened, prompts);
+  if (program.start() != StartResult::Started) return;
+  forms::Form& form = program.formBook().load("frmMain");
+  while (true) {
+    for (forms::Control* control : form.controls()) {
+      auto* box = dynamic_cast<forms::CheckBox*>(control);
+      if (box == nullptr || !box->Enabled) continue;
+      box->Value = box->Value == forms::vbChecked ? forms::vbUnchecked : forms::vbChecked;
+      form.find<forms::CommandButton>("cmdApply")->press();
+    }
+  }
+}
+
+TEST(Kill, DuringApplyLeavesEveryRoutineWhole) {
+  test::TestMachine machine("windows-98");
+  int ticked = 0;
+  int cleared = 0;
+  killAgainAndAgain(
+      machine, 150, 40'000, [&](int) { applyForEver(machine); },
+      [&](platform::Registry& registry, int round) {
+        wholeText(registry);
+        const bool service = has(registry, kServices, "Defrag");
+        EXPECT_EQ(service, has(registry, (std::string(kRunOnceEx) + "\\Defrag").c_str(), "1"));
+        EXPECT_EQ(service, has(registry, kRunOnceEx, "Title")) << "round " << round;
+        ++(service ? ticked : cleared);
+      });
+  // Both states were met, so the kills fell before and after the routine's change.
+  EXPECT_GT(ticked, 0);
+  EXPECT_GT(cleared, 0);
+}
+
+std::string generation(int number) {
+  std::string text = "REGEDIT4\r\n\r\n";
+  for (int key = 0; key < 400; ++key) {
+    text += "[HKEY_LOCAL_MACHINE\\Software\\Killed\\" + std::to_string(key) + "]\r\n";
+    text += "\"generation\"=\"" + std::to_string(number) + "\"\r\n\r\n";
+  }
+  return text;
+}
+
+TEST(Kill, DuringImportLeavesTheOldOrTheNew) {
+  test::TestMachine machine(test::Family::Nt);
+  std::istringstream first(generation(0));
+  ASSERT_EQ(platform::importRegText(machine.registry(), first).refused, 0u);
+  int written = 0;
+  killAgainAndAgain(
+      machine, 150, 12'000,
+      [&](int round) {
+        const auto opened = machine.open(platform::OpenMode::ReadWrite);
+        for (int i = 1;; ++i) {
+          std::istringstream source(generation(1000 * round + i));
+          platform::importRegText(opened->registry(), source);
+        }
+      },
+      [&](platform::Registry& registry, int round) {
+        const std::string text = wholeText(registry);
+        const std::string name = "\"generation\"=\"";
+        std::size_t at = text.find(name);
+        ASSERT_NE(at, std::string::npos);
+        const std::string line = text.substr(at, text.find("\r\n", at) - at);
+        int same = 0;
+        int all = 0;
+        for (; at != std::string::npos; at = text.find(name, at + 1)) {
+          ++all;
+          same += text.compare(at, line.size(), line) == 0 ? 1 : 0;
+        }
+        EXPECT_EQ(all, 400) << "round " << round;
+        EXPECT_EQ(same, all) << "round " << round << ": " << line;
+        written += line == name + "0\"" ? 0 : 1;
+      });
+  EXPECT_GT(written, 0);
+}
+
+}  // namespace
+}  // namespace korvex::program
