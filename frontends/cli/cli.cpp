@@ -121,6 +121,7 @@ CLI::App* addGroup(CLI::App& parent, const char* name, const char* help) {
   CLI::App* group = parent.add_subcommand(name, help);
   group->require_subcommand(1);
   group->fallthrough();
+  group->footer("'--help' after a command tells more.");
   return group;
 }
 

@@ -113,11 +113,12 @@ std::string bashScript(const CLI::App& app) {
 
 void addCompletionCommand(CLI::App& app, Run& run) {
   const auto shell = std::make_shared<std::string>();
-  CLI::App* command = addCommand(app, "completion", "Print a completion script for a shell",
-                                 "  source <(korvex completion bash)");
+  CLI::App* command =
+      addCommand(app, "completion", "Print a completion script for a shell",
+                 "  korvex completion bash > ~/.local/share/bash-completion/completions/korvex");
   command->add_option("SHELL", *shell, "bash")
       ->required()
-      ->check(CLI::IsMember({"bash"}))
+      ->check(CLI::IsMember({"bash"}).description(""))
       ->type_name("");
   command->callback([&run, &app] {
     // Now, while the parser still stands.

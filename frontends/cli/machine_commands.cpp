@@ -59,7 +59,7 @@ void addMachineCommands(CLI::App& app, Run& run) {
                                  "  korvex machine create --windows 98 ~/machines/win98");
   created->add_option("--windows", options->windows, "Which Windows")
       ->required()
-      ->check(CLI::IsMember(program::windowsNames()))
+      ->check(CLI::IsMember(program::windowsNames()).description(""))
       ->type_name("95|98|me|nt4|2000|2000-server");
   created->add_option("DIR", options->folder, "Its folder; new or empty")
       ->required()

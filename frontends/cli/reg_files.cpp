@@ -154,7 +154,7 @@ void addRegFileCommands(CLI::App& group, Run& run) {
   command
       ->add_option("--format", exported->format,
                    "4 (REGEDIT4) or 5 (Unicode); without it what the machine's Windows writes")
-      ->check(CLI::IsMember({4, 5}))
+      ->check(CLI::IsMember({4, 5}).description(""))
       ->type_name("4|5");
   command->callback([&run, exported] {
     run = [exported](Context& context) { return exportKey(context, *exported); };
