@@ -37,8 +37,28 @@ bool has(platform::Registry& registry, const char* path, const char* value) {
          registry.RegQueryValueExA(key.get(), value, nullptr, nullptr, nullptr) == 0;
 }
 
-// Kills the work after a random while, round after round; after each kill the machine is opened
-// again and judged. Returns in how many rounds the work was killed in the midst of it.
+// A child tells its parent that it is at work now.
+class Bell {
+ public:
+  Bell() { EXPECT_EQ(pipe(ends_), 0); }
+  ~Bell() {
+    close(ends_[0]);
+    close(ends_[1]);
+  }
+  Bell(const Bell&) = delete;
+  Bell& operator=(const Bell&) = delete;
+  void ring() const { EXPECT_EQ(write(ends_[1], "!", 1), 1); }
+  void await() const {
+    char byte = 0;
+    EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+  }
+
+ private:
+  int ends_[2] = {-1, -1};
+};
+
+// Kills the work a random while after it has begun, round after round; after each kill the machine
+// is opened again and judged.
 template <typename Work, typename Judge>
 void killAgainAndAgain(test::TestMachine& machine, int rounds, int longestMicroseconds, Work work,
                        Judge judge) {
@@ -46,11 +66,12 @@ void killAgainAndAgain(test::TestMachine& machine, int rounds, int longestMicros
   std::uniform_int_distribution<useconds_t> wait(0, longestMicroseconds);
   machine.close();
   for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
+    const Bell bell;
     test::ChildProcess child([&] {
-      work(round);
-      pause();
+      work(round, bell);
       return 0;
     });
+    bell.await();
     usleep(wait(random));
     child.kill();
     machine.reopen(platform::OpenMode::Read);
@@ -60,11 +81,13 @@ void killAgainAndAgain(test::TestMachine& machine, int rounds, int longestMicros
 }
 
 // Ticks and clears every box in turn and applies, for as long as it lives.
-void applyForEver(const test::TestMachine& machine) {
+void applyForEver(const test::TestMachine& machine, const Bell& bell) {
   const auto opened = machine.open(platform::OpenMode::ReadWrite);
   test::ScriptedPrompts prompts;
   Program program(*opened, prompts);
-  if (program.start() != StartResult::Started) return;
+  const bool started = program.start() == StartResult::Started;
+  bell.ring();
+  if (!started) return;
   forms::Form& form = program.formBook().load("frmMain");
   while (true) {
     for (forms::Control* control : form.controls()) {
@@ -81,7 +104,7 @@ TEST(Kill, DuringApplyLeavesEveryRoutineWhole) {
   int ticked = 0;
   int cleared = 0;
   killAgainAndAgain(
-      machine, 150, 40'000, [&](int) { applyForEver(machine); },
+      machine, 150, 15'000, [&](int, const Bell& bell) { applyForEver(machine, bell); },
       [&](platform::Registry& registry, int round) {
         wholeText(registry);
         const bool service = has(registry, kServices, "Defrag");
@@ -110,8 +133,9 @@ TEST(Kill, DuringImportLeavesTheOldOrTheNew) {
   int written = 0;
   killAgainAndAgain(
       machine, 150, 12'000,
-      [&](int round) {
+      [&](int round, const Bell& bell) {
         const auto opened = machine.open(platform::OpenMode::ReadWrite);
+        bell.ring();
         for (int i = 1;; ++i) {
           std::istringstream source(generation(1000 * round + i));
           platform::importRegText(opened->registry(), source);
