@@ -10,6 +10,8 @@ namespace {
 
 constexpr int kWidest = 960;
 constexpr int kTallest = 600;
+constexpr int kComfortable = 500;
+constexpr int kStep = 20;
 constexpr int kSmallestHeight = 80;
 
 }  // namespace
@@ -28,7 +30,15 @@ QSize PageArea::sizeHint() const {
   const QLayout& layout = *widget()->layout();
   QSize size = layout.totalSizeHint().expandedTo(layout.totalMinimumSize());
   size.setWidth(std::min(size.width(), kWidest));
-  if (layout.hasHeightForWidth()) size.setHeight(layout.totalHeightForWidth(size.width()));
+  if (layout.hasHeightForWidth()) {
+    // Further columns are better than scrolling, as long as there is room for them.
+    while (layout.totalHeightForWidth(size.width()) > kComfortable && size.width() < kWidest) {
+      size.rwidth() += kStep;
+    }
+    size.setHeight(layout.totalHeightForWidth(size.width()));
+    // Styles take a few pixels for frames: they must not cost the last column.
+    size.rwidth() += kStep;
+  }
   return size.boundedTo({kWidest, kTallest});
 }
 
