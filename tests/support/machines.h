@@ -100,7 +100,7 @@ class TestMachine {
   }
 
   std::filesystem::path makeBareSample(Family family) {
-    const auto sample = temporary_.path() / "sample";
+    auto sample = temporary_.path() / "sample";
     const std::string windows = family == Family::Nt ? "WINNT" : "WINDOWS";
     const std::string system = windows + (family == Family::Nt ? "/system32" : "/SYSTEM");
     for (const auto& part : {system, windows + "/Temp", std::string("Program Files")}) {

@@ -8,7 +8,7 @@ namespace korvex::platform {
 namespace {
 
 constexpr std::size_t kMostLists = 64;
-constexpr std::size_t kMostKeys = 512 * 1024;
+constexpr std::size_t kMostKeys = 1 << 19;
 
 // Near where the enumeration stands first, then at the ends, then anywhere.
 std::size_t indexOf(const ChildList& list, std::int64_t key) {

@@ -6,6 +6,7 @@ namespace korvex::platform {
 namespace {
 
 using test::Family;
+using namespace std::string_literals;
 
 class ContractMachineFacts : public testing::TestWithParam<test::MachineKind> {
  protected:
@@ -68,7 +69,7 @@ TEST_P(ContractMachineFacts, ARestartNeedsItsPrivilegeOnNt) {
 TEST_P(ContractMachineFacts, TheEditorExportsAndImports) {
   int exitCode = 9;
   std::string message;
-  ASSERT_EQ(look.set(HKEY_LOCAL_MACHINE, "SOFTWARE\\Edit\\Größe", "v", {"text", 5}, REG_SZ), 0);
+  ASSERT_EQ(look.set(HKEY_LOCAL_MACHINE, "SOFTWARE\\Edit\\Größe", "v", "text\0"s, REG_SZ), 0);
   const std::string before = look.dump(HKEY_LOCAL_MACHINE, "SOFTWARE\\Edit");
   Processes& processes = machine.processes();
   EXPECT_EQ(processes.run("regedit /e \"C:\\Program Files\\out 1.reg\" "

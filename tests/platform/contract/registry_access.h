@@ -87,7 +87,11 @@ class RegistryAccess {
     for (const auto& name : valueNames(root, path)) {
       text.append(name).append("=").append(get(root, path, name)).append("\n");
     }
-    for (const auto& name : subKeys(root, path)) text += dump(root, path + "\\" + name);
+    for (const auto& name : subKeys(root, path)) {
+      std::string child = path;
+      child.append("\\").append(name);
+      text += dump(root, child);
+    }
     return text;
   }
 

@@ -119,8 +119,10 @@ TEST_P(ContractRegistry, HandlesThatAreNotOpenAreRefused) {
 }
 
 TEST_P(ContractRegistry, DeletedKeysAreToldByTheirHandles) {
-  const HKEY key = make("SOFTWARE\\d\\gone");
+  make("SOFTWARE\\d\\gone");
+  const HKEY key = open("SOFTWARE\\d\\gone", KEY_ALL_ACCESS);
   EXPECT_EQ(registry.RegDeleteKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE\\d\\gone"), ERROR_SUCCESS);
+  EXPECT_EQ(look.open(HKEY_LOCAL_MACHINE, "SOFTWARE\\d\\gone"), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(look.create(HKEY_LOCAL_MACHINE, "SOFTWARE\\d\\gone"), ERROR_SUCCESS);
   char name[kNameBufferBytes];
   std::uint32_t length = sizeof name;
@@ -296,15 +298,16 @@ TEST_P(ContractRegistry, CurrentControlSetFollowsSelect) {
     EXPECT_EQ(look.subKeys(HKEY_LOCAL_MACHINE, "SYSTEM"), Names{"CurrentControlSet"});
     return;
   }
+  EXPECT_EQ(look.get(HKEY_LOCAL_MACHINE, alias + "\\Control", "v"), "1");
   EXPECT_EQ(look.get(HKEY_LOCAL_MACHINE, "SYSTEM\\ControlSet001\\Control", "v"), "1");
   EXPECT_EQ(look.subKeys(HKEY_LOCAL_MACHINE, "SYSTEM"), (Names{"ControlSet001", "Select"}));
-  const HKEY handle = open("system\\CURRENTcontrolset", KEY_ALL_ACCESS);
-  EXPECT_EQ(registry.RegDeleteKeyA(handle, ""), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(registry.RegDeleteKeyA(HKEY_LOCAL_MACHINE, alias), ERROR_ACCESS_DENIED);
   EXPECT_EQ(look.set(HKEY_LOCAL_MACHINE, "SYSTEM\\Select", "Current", "\2\0\0\0"s, REG_DWORD), 0);
   EXPECT_EQ(look.get(HKEY_LOCAL_MACHINE, alias + "\\Control", "v"), "status 2");
   EXPECT_EQ(look.set(HKEY_LOCAL_MACHINE, alias + "\\Control", "v", "2"), ERROR_SUCCESS);
   EXPECT_EQ(look.get(HKEY_LOCAL_MACHINE, "SYSTEM\\ControlSet002\\Control", "v"), "2");
+  const HKEY handle = open("system\\CURRENTcontrolset", KEY_ALL_ACCESS);
+  EXPECT_EQ(registry.RegDeleteKeyA(handle, ""), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry.RegDeleteKeyA(HKEY_LOCAL_MACHINE, alias), ERROR_ACCESS_DENIED);
   const HKEY system = open("SYSTEM", KEY_ALL_ACCESS);
   EXPECT_EQ(registry.RegDeleteKeyA(system, "CurrentControlSet\\Control"), ERROR_SUCCESS);
   EXPECT_EQ(look.subKeys(HKEY_LOCAL_MACHINE, "SYSTEM\\ControlSet002"), Names{});
