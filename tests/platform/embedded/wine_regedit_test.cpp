@@ -107,8 +107,8 @@ TEST_P(WineRegedit, ImportsWhatWeExportToTheSameKeysTypesAndBytes) {
   const auto exported = folder_.path() / "ours.reg";
   const auto returned = folder_.path() / "theirs.reg";
 
-  const auto result = exportRegFile(ours.registry(), {{HKEY_CURRENT_USER, kPath}},
-                                    exported, {.format = GetParam()});
+  const auto result = exportRegFile(ours.registry(), {{HKEY_CURRENT_USER, kPath}}, exported,
+                                    {.format = GetParam()});
   ASSERT_EQ(result.status, ERROR_SUCCESS) << result.message;
   ASSERT_EQ(result.leftOutCount, 0u);
   ASSERT_EQ(wine("wine regedit /S '" + exported.string() + "'"), 0);
