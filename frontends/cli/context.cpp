@@ -24,8 +24,10 @@ Failure machineFailure(Status status, const std::string& message) {
 std::unique_ptr<platform::Machine> Context::openMachine(platform::OpenMode mode) const {
   platform::OpenedMachine opened = program::openMachine(machineFolder, mode);
   if (opened.machine) return std::move(opened.machine);
-  const Failure failure = machineFailure(opened.status, opened.message);
-  if (failure.code() == ExitCode::Busy || opened.status == platform::ERROR_DISK_FULL) throw failure;
+  // What is there and cannot be had now is another thing than nothing there.
+  const bool there = opened.status == platform::ERROR_DISK_FULL ||
+                     machineFailure(opened.status, "").code() == ExitCode::Busy;
+  if (there) throw machineFailure(opened.status, opened.message);
   throw Failure(ExitCode::NoMachine, "no-machine", opened.message);
 }
 

@@ -1,6 +1,8 @@
 // Reading whole values and keys.
 #include "cli/registry_access.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "cli/context.h"
@@ -69,7 +71,7 @@ Status deleteTree(Registry& registry, const TypedKey& key) {
       if (status != ERROR_SUCCESS) return status;
       pending.pop_back();
     }
-    for (const std::string& child : children) pending.push_back(path + "\\" + child);
+    for (const std::string& child : children) pending.push_back(fmt::format("{}\\{}", path, child));
   }
   return ERROR_SUCCESS;
 }

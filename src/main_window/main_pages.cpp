@@ -67,21 +67,20 @@ Layout MainPages::makeControl(const Tweak& tweak) {
 }
 
 Layout MainPages::page(int index) {
-  std::vector<Layout> parts;
+  std::vector<Layout> groups;
   for (Group& group : pages_[index]) {
-    parts.push_back(
-        Layout::group(std::string(group.title), {Layout::flow(std::move(group.parts))}));
+    groups.push_back(Layout::group(std::string(group.title), std::move(group.parts)));
   }
-  if (parts.empty()) {
+  if (groups.empty()) {
     const std::string name = "lblEmptyPage" + std::to_string(index + 1);
-    parts.push_back(Layout::of(form_.own<forms::Label>(name, "This page has no settings yet.")));
+    groups.push_back(Layout::of(form_.own<forms::Label>(name, "This page has no settings yet.")));
   }
-  parts.push_back(Layout::space());
-  return Layout::column(std::move(parts));
+  return Layout::column({Layout::flow(std::move(groups)), Layout::space()});
 }
 
 Layout MainPages::layout(forms::TabStrip& tabMain) {
   std::vector<Layout> parts;
+  parts.reserve(kPageCount);
   for (int index = 0; index < kPageCount; ++index) parts.push_back(page(index));
   return Layout::pages(tabMain, std::move(parts));
 }

@@ -30,7 +30,7 @@ fs::path dataFolder() {
 }
 
 fs::path userDataFolder() {
-  const fs::path given = fromEnvironment("XDG_DATA_HOME");
+  fs::path given = fromEnvironment("XDG_DATA_HOME");
   if (given.is_absolute()) return given;  // the standard has a relative one ignored
   const fs::path home = fromEnvironment("HOME");
   return home.empty() ? fs::path() : home / ".local" / "share";
