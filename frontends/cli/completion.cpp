@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/commands.h"
+#include "cli/output.h"
 #include "engine/catalogue.h"
 #include "program/program.h"
 
@@ -123,7 +124,14 @@ void addCompletionCommand(CLI::App& app, Run& run) {
   command->callback([&run, &app] {
     // Now, while the parser still stands.
     run = [script = bashScript(app)](Context& context) {
-      context.out << script;
+      if (context.json) {
+        Json json = document();
+        json["shell"] = "bash";
+        json["script"] = script;
+        print(context.out, json);
+      } else {
+        context.out << script;
+      }
       return ExitCode::Done;
     };
   });

@@ -22,7 +22,7 @@ void printDescription(Context& context, const platform::MachineDescription& mach
                        {"windows", machine.windows},   {"version", machine.version},
                        {"product", machine.product},   {"user", machine.user},
                        {"computer", machine.computer}, {"evidence", machine.evidence},
-                       {"readOnly", machine.readOnly}};
+                       {"codePage", machine.codePage}, {"readOnly", machine.readOnly}};
     print(context.out, json);
     return;
   }
