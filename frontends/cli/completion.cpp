@@ -121,12 +121,12 @@ void addCompletionCommand(CLI::App& app, Run& run) {
       ->required()
       ->check(CLI::IsMember({"bash"}).description(""))
       ->type_name("");
-  command->callback([&run, &app] {
+  command->callback([&run, &app, shell] {
     // Now, while the parser still stands.
-    run = [script = bashScript(app)](Context& context) {
+    run = [script = bashScript(app), shell = *shell](Context& context) {
       if (context.json) {
         Json json = document();
-        json["shell"] = "bash";
+        json["shell"] = shell;
         json["script"] = script;
         print(context.out, json);
       } else {
