@@ -8,6 +8,7 @@
 #include <QRadioButton>
 #include <QTabBar>
 #include <QTabWidget>
+#include <algorithm>
 
 #include "qt/list_widgets.h"
 #include "qt/text.h"
@@ -26,6 +27,21 @@ class TriStateBox : public QCheckBox {
  protected:
   void nextCheckState() override {
     setCheckState(checkState() == Qt::Unchecked ? Qt::Checked : Qt::Unchecked);
+  }
+};
+
+// As wide as its tabs: Qt would sooner put two arrows there.
+class Pages : public QTabWidget {
+ public:
+  using QTabWidget::QTabWidget;
+  QSize sizeHint() const override { return wideEnough(QTabWidget::sizeHint()); }
+  QSize minimumSizeHint() const override { return wideEnough(QTabWidget::minimumSizeHint()); }
+
+ private:
+  QSize wideEnough(QSize size) const {
+    constexpr int kWidest = 980;  // fits a small screen; beyond it the arrows are due
+    const int tabs = tabBar()->sizeHint().width();
+    return size.expandedTo({std::min(tabs, kWidest), 0});
   }
 };
 
@@ -169,7 +185,7 @@ QWidget* ControlWidgets::makeTabBar(forms::TabStrip& control, QWidget* parent) {
 }
 
 QTabWidget* ControlWidgets::makePages(forms::TabStrip& strip, QWidget* parent) {
-  auto* tabs = new QTabWidget(parent);
+  auto* tabs = new Pages(parent);
   bindCommon(strip, *tabs);
   return tabs;
 }

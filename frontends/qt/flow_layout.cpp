@@ -9,7 +9,7 @@
 namespace korvex::qt {
 namespace {
 
-constexpr int kPreferredRows = 8;
+constexpr int kPreferredRows = 6;
 constexpr int kPreferredColumns = 3;
 constexpr int kFallbackGap = 6;
 

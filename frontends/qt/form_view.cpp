@@ -81,7 +81,7 @@ void FormView::makeStatusBar() {
   statusText_ = new QLabel(statusBar_);
   statusText_->setTextFormat(Qt::PlainText);
   statusText_->setObjectName("statusText");
-  statusText_->setIndent(fontMetrics().horizontalAdvance('x'));
+  statusText_->setIndent(fontMetrics().averageCharWidth());
   progress_ = new QProgressBar(statusBar_);
   progress_->setObjectName("progress");
   progress_->setAccessibleName("Progress");

@@ -5,7 +5,6 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -25,8 +24,6 @@ using Kind = forms::Layout::Kind;
 using Part = forms::Layout;
 
 constexpr int kWideField = 30;
-// Below the width of the largest window.
-constexpr int kWidestTabs = 980;
 
 bool any(const Part& part, const std::function<bool(const Part&)>& isIt) {
   return isIt(part) || std::any_of(part.parts.begin(), part.parts.end(),
@@ -233,9 +230,6 @@ QWidget* LayoutBuilder::makePages(const Part& part, QWidget* parent) {
   }
   flows_ = flowsAround;
   widgets_.bindPages(*strip, *tabs);
-  // All tabs in sight where that can be had: one behind an arrow is easily missed.
-  const int frame = 2 * tabs->style()->pixelMetric(QStyle::PM_DefaultFrameWidth);
-  tabs->setMinimumWidth(std::min(tabs->tabBar()->sizeHint().width() + frame, kWidestTabs));
   return tabs;
 }
 
