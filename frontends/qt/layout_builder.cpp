@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
+#include <utility>
 
 #include "qt/page_area.h"
 #include "qt/text.h"
@@ -190,6 +191,8 @@ QLayout* LayoutBuilder::makeGrid(const Part& part, QWidget* parent) {
 
 QLayout* LayoutBuilder::makeFlow(const Part& part, QWidget* parent) {
   auto* flow = new FlowLayout(flows_);
+  // Flows inside a column of this one agree with each other, not with it.
+  const auto flowsAround = std::exchange(flows_, std::make_shared<FlowLayout::Page>());
   for (const Part& inner : part.parts) {
     if (inner.kind == Kind::Space) continue;
     if (QWidget* widget = makeWidget(inner, parent)) {
@@ -198,6 +201,7 @@ QLayout* LayoutBuilder::makeFlow(const Part& part, QWidget* parent) {
       flow->addLayout(makeLayout(inner, parent));
     }
   }
+  flows_ = flowsAround;
   return flow;
 }
 
