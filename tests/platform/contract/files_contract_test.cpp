@@ -3,15 +3,15 @@
 
 #include <ctime>
 
+#include "platform/contract/machine_kinds.h"
 #include "platform/files.h"
-#include "support/machines.h"
 
 namespace korvex::platform {
 namespace {
 
 using Names = std::vector<std::string>;
 
-class ContractFiles : public testing::TestWithParam<test::Family> {
+class ContractFiles : public testing::TestWithParam<test::MachineKind> {
  protected:
   void SetUp() override { ASSERT_EQ(files.createFolder("C:\\t"), ERROR_SUCCESS); }
 
@@ -34,12 +34,12 @@ class ContractFiles : public testing::TestWithParam<test::Family> {
     return names;
   }
 
-  test::TestMachine machine{GetParam()};
-  Files& files = machine->files();
+  std::unique_ptr<test::ContractMachine> made = GetParam().make();
+  Machine& machine = made->machine();
+  Files& files = machine.files();
 };
 
-INSTANTIATE_TEST_SUITE_P(Machines, ContractFiles,
-                         testing::Values(test::Family::Nt, test::Family::NineX));
+INSTANTIATE_TEST_SUITE_P(Machines, ContractFiles, test::machineKinds(), test::machineKindName);
 
 TEST_P(ContractFiles, FilesAreFoundWithoutRegardToCase) {
   const std::string bytes("zero \0 and \r\n", 13);

@@ -1,37 +1,37 @@
 // What every machine's initialisation files must do.
 #include <gtest/gtest.h>
 
+#include "platform/contract/machine_kinds.h"
 #include "platform/init_files.h"
-#include "support/machines.h"
 
 namespace korvex::platform {
 namespace {
 
 using namespace std::string_literals;
 
-class ContractInitFiles : public testing::TestWithParam<test::Family> {
+class ContractInitFiles : public testing::TestWithParam<test::MachineKind> {
  protected:
   void SetUp() override {
-    winIni = machine->systemInfo().GetWindowsDirectoryA() + "\\win.ini";
-    ASSERT_EQ(machine->files().replace(winIni,
-                                       "[windows]\r\nload= a.exe \r\nRun=\r\n"s
-                                       "[Quotes]\r\none=\" x \"\r\ntwo='y'\r\nhalf=\"z\r\n"s
-                                       ";gone=1\r\n"s),
+    winIni = machine.systemInfo().GetWindowsDirectoryA() + "\\win.ini";
+    ASSERT_EQ(machine.files().replace(winIni,
+                                      "[windows]\r\nload= a.exe \r\nRun=\r\n"s
+                                      "[Quotes]\r\none=\" x \"\r\ntwo='y'\r\nhalf=\"z\r\n"s
+                                      ";gone=1\r\n"s),
               ERROR_SUCCESS);
   }
   std::string bytes(std::string_view path) {
     std::string result;
-    EXPECT_EQ(machine->files().read(path, result), ERROR_SUCCESS) << path;
+    EXPECT_EQ(machine.files().read(path, result), ERROR_SUCCESS) << path;
     return result;
   }
 
-  test::TestMachine machine{GetParam()};
-  InitFiles& ini = machine->initFiles();
+  std::unique_ptr<test::ContractMachine> made = GetParam().make();
+  Machine& machine = made->machine();
+  InitFiles& ini = machine.initFiles();
   std::string winIni;
 };
 
-INSTANTIATE_TEST_SUITE_P(Machines, ContractInitFiles,
-                         testing::Values(test::Family::Nt, test::Family::NineX));
+INSTANTIATE_TEST_SUITE_P(Machines, ContractInitFiles, test::machineKinds(), test::machineKindName);
 
 TEST_P(ContractInitFiles, ReadsValuesAsWindowsDoes) {
   EXPECT_EQ(ini.GetProfileStringA("Windows", "LOAD", "none"), "a.exe");
@@ -56,7 +56,7 @@ TEST_P(ContractInitFiles, WritesOneLine) {
   EXPECT_EQ(ini.WriteProfileStringA("windows", "run", std::nullopt), ERROR_SUCCESS);
   EXPECT_EQ(ini.WriteProfileStringA("quotes", std::nullopt, std::nullopt), ERROR_SUCCESS);
   EXPECT_EQ(bytes(winIni), "[windows]\r\nload= b.exe c.exe\r\n");
-  const bool nt = GetParam() == test::Family::Nt;
+  const bool nt = GetParam().family == test::Family::Nt;
   EXPECT_EQ(ini.WriteProfileStringA("New", "Größe", "5"), ERROR_SUCCESS);
   EXPECT_EQ(bytes(winIni), "[windows]\r\nload= b.exe c.exe\r\n"s + (nt ? "" : "\r\n") +
                                "[New]\r\nGr\xF6\xDF"
@@ -64,7 +64,7 @@ TEST_P(ContractInitFiles, WritesOneLine) {
 }
 
 TEST_P(ContractInitFiles, ABareNameLiesInTheWindowsFolder) {
-  const std::string folder = machine->systemInfo().GetWindowsDirectoryA();
+  const std::string folder = machine.systemInfo().GetWindowsDirectoryA();
   EXPECT_EQ(ini.WritePrivateProfileStringA("a", "k", "v", "new.ini"), ERROR_SUCCESS);
   EXPECT_EQ(bytes(folder + "\\NEW.INI"), "[a]\r\nk=v\r\n");
   EXPECT_EQ(ini.WritePrivateProfileStringA("a", "k", "v", "C:\\none\\new.ini"),
@@ -76,7 +76,7 @@ TEST_P(ContractInitFiles, ARefusedWriteChangesNothing) {
   const std::string before = bytes(winIni);
   EXPECT_EQ(ini.WriteProfileStringA("windows", "load", "日本"), ERROR_NO_UNICODE_TRANSLATION);
   EXPECT_EQ(ini.WriteProfileStringA("windows", "load", "x\r\nrun=y"), ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(machine->files().setAttributes(winIni, FILE_ATTRIBUTE_READONLY), ERROR_SUCCESS);
+  EXPECT_EQ(machine.files().setAttributes(winIni, FILE_ATTRIBUTE_READONLY), ERROR_SUCCESS);
   EXPECT_EQ(ini.WriteProfileStringA("windows", "load", "b.exe"), ERROR_ACCESS_DENIED);
   EXPECT_EQ(bytes(winIni), before);
 }
