@@ -3,6 +3,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
@@ -29,6 +30,46 @@ class TriStateBox : public QCheckBox {
     setCheckState(checkState() == Qt::Unchecked ? Qt::Checked : Qt::Unchecked);
   }
 };
+
+// The arrow keys go through the group in its order, as in Windows: Qt goes by where the buttons
+// stand.
+class OptionRadio : public QRadioButton {
+ public:
+  using QRadioButton::QRadioButton;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    switch (event->key()) {
+      case Qt::Key_Up:
+      case Qt::Key_Left:
+        return choose(-1);
+      case Qt::Key_Down:
+      case Qt::Key_Right:
+        return choose(1);
+      default:
+        QRadioButton::keyPressEvent(event);
+    }
+  }
+
+ private:
+  void choose(int step) {
+    QList<QAbstractButton*> buttons = group()->buttons();
+    buttons.removeIf(
+        [this](QAbstractButton* b) { return b != this && (!b->isVisible() || !b->isEnabled()); });
+    const qsizetype next = buttons.indexOf(this) + step + buttons.size();
+    QAbstractButton* chosen = buttons[next % buttons.size()];
+    chosen->setFocus(step < 0 ? Qt::BacktabFocusReason : Qt::TabFocusReason);
+    chosen->click();
+  }
+};
+
+// The Tab key stops at the button that is set; where none is, at each.
+void placeTabStop(const QButtonGroup& group) {
+  const QAbstractButton* set = group.checkedButton();
+  for (QAbstractButton* button : group.buttons()) {
+    button->setFocusPolicy(set == nullptr || set == button ? Qt::StrongFocus : Qt::ClickFocus);
+  }
+}
 
 // As wide as its tabs: Qt would sooner put two arrows there.
 class Pages : public QTabWidget {
@@ -129,7 +170,7 @@ QWidget* ControlWidgets::makeCheckBox(forms::CheckBox& control, QWidget* parent)
 }
 
 QWidget* ControlWidgets::makeOptionButton(forms::OptionButton& control, QWidget* parent) {
-  auto* button = new QRadioButton(parent);
+  auto* button = new OptionRadio(parent);
   // Which buttons belong together the form says, not the frame around them.
   button->setAutoExclusive(false);
   QButtonGroup*& group = optionGroups_[control.group()];
@@ -142,6 +183,7 @@ QWidget* ControlWidgets::makeOptionButton(forms::OptionButton& control, QWidget*
     group->setExclusive(false);
     button->setChecked(control.Value);
     group->setExclusive(true);
+    placeTabStop(*group);
   });
   QObject::connect(button, &QRadioButton::clicked, button, [&control] { control.Value = true; });
   return button;

@@ -37,9 +37,14 @@ Qt::WindowFlags flagsFor(bool dialog) {
 }
 
 // Below 1 a coordinate means: centred.
-int placed(int wanted, int size, int from, int room, int centre) {
-  const int start = wanted < 1 ? centre - size / 2 : wanted;
-  return std::clamp(start, from, std::max(from, from + room - size));
+int placed(int wanted, int size, int centre) { return wanted < 1 ? centre - size / 2 : wanted; }
+
+// The window moved as far as it takes to be in sight.
+QPoint within(const QRect& room, QPoint place, QSize size) {
+  const QPoint last = room.topLeft() + QPoint(std::max(0, room.width() - size.width()),
+                                              std::max(0, room.height() - size.height()));
+  return {std::clamp(place.x(), room.left(), last.x()),
+          std::clamp(place.y(), room.top(), last.y())};
 }
 
 }  // namespace
@@ -173,8 +178,10 @@ void FormView::showInPlace() {
   const QPoint centre =
       !form_.place && parent != nullptr ? parent->frameGeometry().center() : available.center();
   resize(size);
-  move(placed(place.left, size.width(), available.x(), available.width(), centre.x()),
-       placed(place.top, size.height(), available.y(), available.height(), centre.y()));
+  move(within(
+      available,
+      {placed(place.left, size.width(), centre.x()), placed(place.top, size.height(), centre.y())},
+      size));
   if (place.state == kMinimized) {
     showMinimized();
   } else if (place.state == kMaximized) {
@@ -182,8 +189,16 @@ void FormView::showInPlace() {
   } else {
     show();
   }
+  keepOnScreen();
   shown_ = true;
   rememberPlace();
+}
+
+void FormView::keepOnScreen() {
+  // Only now is it known how wide the frame around the window is.
+  if (isMinimized() || isMaximized()) return;
+  const QPoint kept = within(screen()->availableGeometry(), pos(), frameGeometry().size());
+  if (kept != pos()) move(kept);
 }
 
 void FormView::rememberPlace() {

@@ -50,6 +50,7 @@ class FormView : public QDialog {
   void showStatus();
   void showBusy();
   QSize initialSize(const QRect& available) const;
+  void keepOnScreen();
   void rememberPlace();
   void scrollToFocus(QWidget* focused);
   forms::CommandButton* buttonWith(forms::CommandButton::Role role) const;
