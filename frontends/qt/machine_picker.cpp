@@ -27,6 +27,19 @@ std::string folderOf(const std::string& path) {
   return path.substr(0, slash == 2 ? 3 : slash);
 }
 
+// "C:\WINNT\..\a\" is "C:\a".
+std::string withoutDots(const std::string& path) {
+  QStringList parts;
+  for (const QString& part : toQt(path).split('\\', Qt::SkipEmptyParts)) {
+    if (part == "..") {
+      if (parts.size() > 1) parts.removeLast();
+    } else if (part != ".") {
+      parts.append(part);
+    }
+  }
+  return fromQt(parts.size() == 1 ? parts.first() + '\\' : parts.join('\\'));
+}
+
 std::string nameOf(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
 }  // namespace
@@ -159,9 +172,7 @@ std::string MachinePicker::typedPath() const {
     const std::string folder = currentFolder();
     typed = folder + (folder.empty() || folder.back() == '\\' ? "" : "\\") + typed;
   }
-  if (typed.size() == 2) typed += '\\';
-  while (typed.size() > 3 && typed.back() == '\\') typed.pop_back();
-  return typed;
+  return withoutDots(typed);
 }
 
 void MachinePicker::accept() {
