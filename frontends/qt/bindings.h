@@ -14,9 +14,9 @@ class Bindings {
   // Runs update now, and whenever the property changes. It reads the property itself: a handler
   // may have changed it once more.
   template <typename T>
-  void follow(forms::Property<T>& property, std::function<void()> update) {
+  void follow(forms::Property<T>& property, const std::function<void()>& update) {
     update();
-    on(property.changed, std::move(update));
+    on(property.changed, update);
   }
   void on(forms::Event& event, std::function<void()> handler) {
     subscriptions_.push_back(event.subscribe(std::move(handler)));

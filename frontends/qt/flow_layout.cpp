@@ -125,6 +125,7 @@ FlowLayout::Columns FlowLayout::arrange(int width) const {
   result.width = (width + columnGap()) / columns - columnGap();
 
   std::vector<int> heights;
+  heights.reserve(items.size());
   for (QLayoutItem* item : items) heights.push_back(heightAt(*item, result.width));
   const int gap = rowGap();
   // The smallest height at which everything fits: columns of about the same length.

@@ -40,7 +40,7 @@ bool isMultiLine(const Part& part) {
 bool wantsHeight(const Part& part) {
   return any(part, [](const Part& inner) {
     if (inner.kind == Kind::Space || inner.kind == Kind::Pages) return true;
-    if (inner.kind != Kind::Control) return false;
+    if (inner.kind != Kind::Control || inner.control == nullptr) return false;
     return inner.control->kind() == ControlKind::ListBox || isMultiLine(inner);
   });
 }
@@ -58,6 +58,7 @@ bool wantsWidth(const Part& part) {
       default:
         return false;
     }
+    if (inner.control == nullptr) return false;
     if (const auto* label = dynamic_cast<const forms::Label*>(inner.control)) {
       return label->buddy() == nullptr;
     }

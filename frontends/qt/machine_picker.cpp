@@ -16,8 +16,8 @@
 namespace korvex::qt {
 namespace {
 
-constexpr int kWidth = 52;   // characters
-constexpr int kHeight = 20;  // lines
+constexpr int kWidth = 60;   // characters
+constexpr int kHeight = 26;  // lines
 
 bool isFull(const std::string& path) { return path.size() >= 2 && path[1] == ':'; }
 

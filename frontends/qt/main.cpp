@@ -1,7 +1,6 @@
 // The program "korvex-gui".
 #include <CLI/CLI.hpp>
 #include <QMessageBox>
-#include <QTimer>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -32,8 +31,7 @@ struct Options {
 };
 
 void describe(CLI::App& app, Options& options) {
-  app.add_option("machine,--machine", options.machine, "The machine's folder")
-      ->envname("KORVEX_MACHINE");
+  app.add_option("--machine", options.machine, "The machine's folder")->envname("KORVEX_MACHINE");
   app.add_option("--style", options.look,
                  "How windows look: \"windows\" is the classic look; default: the desktop's own");
   // For documentation: shows the main window, saves a picture of it and leaves.
@@ -71,10 +69,9 @@ int runOn(platform::Machine& machine, const Options& options) {
   bool saved = true;
   if (!options.screenshot.empty()) {
     host.onShown = [&](FormView& view) {
-      QTimer::singleShot(0, &view, [&] {
-        saved = view.grab().save(toQt(options.screenshot), "PNG");
-        view.close();
-      });
+      QApplication::processEvents();
+      saved = view.grab().save(toQt(options.screenshot), "PNG");
+      view.close();
     };
   }
   const int code = program::Program(machine, prompts).run(host);

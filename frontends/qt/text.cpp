@@ -73,7 +73,7 @@ QString withoutMnemonics(std::string_view caption) {
 }
 
 QString tipText(std::string_view text) {
-  const QString plain = toQt(text);
+  QString plain = toQt(text);
   if (plain.size() <= kWrapTipsLongerThan && !Qt::mightBeRichText(plain)) return plain;
   return "<qt>" + plain.toHtmlEscaped().replace('\n', "<br>") + "</qt>";
 }

@@ -150,7 +150,6 @@ TEST_F(Keyboard, HelpComesByShiftF1) {
   QWhatsThis::hideText();
   EXPECT_TRUE(QTest::qWaitFor([&] { return !helpIsShown(); }));
   QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-
 }
 
 TEST_F(Keyboard, TheRightMouseButtonOffersHelpOnADisabledControlToo) {
