@@ -6,6 +6,7 @@
 
 #include "forms/controls.h"
 #include "frontends/qt/form_check.h"
+#include "frontends/qt/keep_look.h"
 #include "program/program.h"
 #include "qt/form_view.h"
 #include "qt/style.h"
@@ -29,12 +30,16 @@ class OnSample {
   program::Program program;
 };
 
-using Where = std::tuple<std::string, Look>;
+enum class Font { Usual, Large };
+constexpr int kLargePoints = 16;
+using Where = std::tuple<std::string, Look, Font>;
 class EveryForm : public testing::TestWithParam<Where> {};
 
 TEST_P(EveryForm, LooksRightOnEveryPage) {
-  const auto& [sample, look] = GetParam();
+  const auto& [sample, look, font] = GetParam();
+  const test::KeepLook kept;
   useLook(look);
+  if (font == Font::Large) test::KeepLook::setPointSize(kLargePoints);
   OnSample run(sample);
   for (const program::FormRow& row : program::Program::forms()) {
     forms::Form& form = run.program.formBook().load(row.name);
@@ -49,12 +54,14 @@ INSTANTIATE_TEST_SUITE_P(Samples, EveryForm,
                          testing::Combine(testing::Values("windows-95", "windows-98", "windows-me",
                                                           "windows-nt4", "windows-2000",
                                                           "windows-2000-server"),
-                                          testing::Values(Look::Desktop, Look::Classic)),
+                                          testing::Values(Look::Desktop, Look::Classic),
+                                          testing::Values(Font::Usual, Font::Large)),
                          [](const auto& info) {
                            std::string name = std::get<0>(info.param);
                            std::replace(name.begin(), name.end(), '-', '_');
                            return name +
-                                  (std::get<1>(info.param) == Look::Classic ? "_classic" : "");
+                                  (std::get<1>(info.param) == Look::Classic ? "_classic" : "") +
+                                  (std::get<2>(info.param) == Font::Large ? "_large" : "");
                          });
 
 TEST(MainWindow, TheKeyboardAloneTicksAndApplies) {

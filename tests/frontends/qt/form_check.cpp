@@ -221,8 +221,12 @@ class PageCheck {
   }
 
   bool goesBack(const Placed& from, const Placed& to) const {
-    const QRect a = rectOf(*from.widget);
-    const QRect b = rectOf(*to.widget);
+    // What is scrolled out of sight stands where its page stands.
+    const QWidget* fromPage = pageOf(*from.widget);
+    const QWidget* toPage = pageOf(*to.widget);
+    const bool onePage = fromPage == toPage;
+    const QRect a = rectOf(onePage || fromPage == &view_ ? *from.widget : *fromPage);
+    const QRect b = rectOf(onePage || toPage == &view_ ? *to.widget : *toPage);
     const bool sameLine = std::min(a.bottom(), b.bottom()) - std::max(a.top(), b.top()) >
                           std::min(a.height(), b.height()) / 2;
     const bool sameColumn = std::min(a.right(), b.right()) - std::max(a.left(), b.left()) >

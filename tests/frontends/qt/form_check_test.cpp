@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QFont>
-#include <QStyle>
-#include <QStyleFactory>
 
+#include "keep_look.h"
 #include "qt/style.h"
 #include "sample_form.h"
 
@@ -37,22 +35,15 @@ struct FormCheck : ::testing::Test {
 TEST_F(FormCheck, NothingIsWrongWithTheSample) { EXPECT_EQ(complaints(), ""); }
 
 TEST(FormCheckLooks, NothingIsWrongInTheClassicLookOrWithALargeFont) {
-  const QFont usual = QApplication::font();
-  const QPalette palette = QApplication::palette();
-  const QString style = QApplication::style()->objectName();
-  for (const int points : {usual.pointSize(), 18}) {
-    QFont font = usual;
-    font.setPointSize(points);
-    QApplication::setFont(font);
+  const KeepLook kept;
+  for (const int points : {QApplication::font().pointSize(), 18}) {
+    KeepLook::setPointSize(points);
     qt::useLook(qt::Look::Classic);
     SampleForm form;
     qt::FormView view(form);
     view.showInPlace();
     EXPECT_EQ(joined(checkForm(view)), "") << points;
   }
-  QApplication::setStyle(QStyleFactory::create(style));
-  QApplication::setPalette(palette);
-  QApplication::setFont(usual);
 }
 
 TEST_F(FormCheck, CutTextIsSeen) {
