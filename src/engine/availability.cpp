@@ -69,7 +69,7 @@ bool hasDesktopUpdate(const foundation::Session& session) {
 
 }  // namespace
 
-TweakState availability(const Tweak& tweak, const foundation::Session& session) {
+TweakState availability(const Tweak& tweak, foundation::Session& session) {
   const Families family = familyOf(session);
   if ((tweak.families & family) == 0) {
     return {TweakState::Kind::Unavailable, reasonFor(tweak.families)};
@@ -78,6 +78,8 @@ TweakState availability(const Tweak& tweak, const foundation::Session& session) 
     return {TweakState::Kind::Unavailable,
             "Needs the desktop update of Internet Explorer 4 on this Windows."};
   }
+  const std::string_view reason = tweak.lacks == nullptr ? "" : tweak.lacks(tweak, session);
+  if (!reason.empty()) return {TweakState::Kind::Unavailable, reason};
   return {};
 }
 

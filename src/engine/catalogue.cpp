@@ -42,7 +42,8 @@ constexpr std::string_view kPrefix = "P_rw";
 const std::vector<const Tweak*>& allTweaks() {
   static const std::vector<const Tweak*> rows = [] {
     std::vector<const Tweak*> result;
-    for (const auto table : {optionRows(), desktopRows(), securityRows(), systemRows()}) {
+    for (const auto table : {optionRows(), desktopRows(), shellRows(), securityRows(), moreSecurityRows(),
+                             systemRows(), dialogRows()}) {
       for (const Tweak& row : table) result.push_back(&row);
     }
     return result;
@@ -58,6 +59,12 @@ const Tweak* findTweak(std::string_view property) {
     }
   }
   return nullptr;
+}
+
+Tweak onMachine(const Tweak& row, foundation::Session& session) {
+  Tweak result = row;
+  if (row.adapt != nullptr) row.adapt(result, session);
+  return result;
 }
 
 const Tweak* findTweakOf(std::string_view form, std::string_view control) {

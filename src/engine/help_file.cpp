@@ -43,7 +43,7 @@ std::array<HelpFilePaths, 2> helpFiles(const foundation::Session& session) {
 bool RegWorker::p_rwFlipTheHelpFile(bool on) {
   session_.trace.enter("[p_rwFlipTheHelpFile]");
   session_.trace.dump("bOn", on);
-  Files& files = session_.files();
+  Files& files = this->files();
   std::string substitute;
   Status status = platform::ERROR_SUCCESS;
   if (on) status = files.read(session_.g_sAppPath + "\\zak.hlp", substitute);

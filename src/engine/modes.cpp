@@ -12,10 +12,18 @@ using Act = Decision::Act;
 // Constants are 16-bit integers, as the product's own are.
 Variant integer(int number) { return static_cast<std::int16_t>(number); }
 
+// The writer takes two off the length of a byte array.
+constexpr std::size_t kTakenOff = 2;
+
 }  // namespace
 
-Variant variantOf(const RowValue& value) {
+Variant variantOf(const RowValue& value, std::uint8_t binaryLength) {
   switch (value.kind) {
+    case RowValue::Kind::Byte: {
+      foundation::ByteArray bytes(binaryLength + kTakenOff, 0);
+      bytes[0] = static_cast<std::uint8_t>(value.number);
+      return bytes;
+    }
     case RowValue::Kind::Number:
       return value.number;
     case RowValue::Kind::Text:
@@ -27,7 +35,7 @@ Variant variantOf(const RowValue& value) {
 }
 
 Decision decide(const Tweak& tweak, int checkValue, const Variant& current) {
-  const Mode& mode = kModes.at(static_cast<std::size_t>(tweak.mode));
+  const Mode& mode = modeOf(tweak);
   const bool checked = mode.testsForZero ? checkValue != 0 : checkValue == 1;
   switch (checked ? mode.checked : mode.unchecked) {
     case Outcome::BoxValue:
@@ -55,13 +63,13 @@ Decision decide(const Tweak& tweak, int checkValue, const Variant& current) {
     case Outcome::Defrag:
       return {Act::Write, "defrag.exe"};
     case Outcome::OnValue:
-      return {Act::Write, variantOf(tweak.onValue)};
+      return {Act::Write, variantOf(tweak.onValue, tweak.binaryLength)};
     case Outcome::ByDefault:
-      return {Act::Write, variantOf(tweak.byDefault)};
+      return {Act::Write, variantOf(tweak.byDefault, tweak.binaryLength)};
     case Outcome::Current:
       return {Act::Write, current};
     case Outcome::Remember:
-      return {Act::Remember, variantOf(tweak.onValue)};
+      return {Act::Remember, variantOf(tweak.onValue, tweak.binaryLength)};
     case Outcome::DeleteKey:
       return {Act::DeleteKey, {}};
     case Outcome::HelpOn:
@@ -73,9 +81,10 @@ Decision decide(const Tweak& tweak, int checkValue, const Variant& current) {
 }
 
 Decision decideDefault(const Tweak& tweak) {
+  if (tweak.binaryLength != 0) return {Act::Write, variantOf(tweak.byDefault, tweak.binaryLength)};
   if (tweak.mode == 10) return {Act::DeleteKey, {}};
   if (tweak.mode == 21) return {Act::RestoreHelpFile, {}};
-  return {Act::Write, variantOf(tweak.byDefault)};
+  return {Act::Write, variantOf(tweak.byDefault, tweak.binaryLength)};
 }
 
 }  // namespace korvex::engine

@@ -75,6 +75,21 @@ constexpr bool numberedInOrder() {
 }
 static_assert(numberedInOrder() && kModes.size() == 22);
 
+// The binary engine's modes: the byte comes from the row. Mode 3 is the shortcut prefix, whose
+// default is no value at all.
+constexpr std::array kBinaryModes{
+    Mode{0, Outcome::OnValue, Outcome::ByDefault},
+    Mode{1, Outcome::ByDefault, Outcome::OnValue},
+    Mode{2, Outcome::OnValue, Outcome::OnValue},
+    Mode{3, Outcome::OnValue, Outcome::ByDefault},
+};
+
+// The mode of a row, in the table of its engine.
+constexpr const Mode& modeOf(const Tweak& tweak) {
+  const auto number = static_cast<std::size_t>(tweak.mode);
+  return tweak.binaryLength == 0 ? kModes.at(number) : kBinaryModes.at(number);
+}
+
 // What a routine has to do. Only Write brings a value to the machine (an empty one deletes).
 struct Decision {
   enum class Act : std::uint8_t { Write, Remember, DeleteKey, SwapHelpFile, RestoreHelpFile };
@@ -84,7 +99,8 @@ struct Decision {
   bool operator==(const Decision&) const = default;
 };
 
-foundation::Variant variantOf(const RowValue& value);
+// binaryLength: of a byte, how long its binary value is.
+foundation::Variant variantOf(const RowValue& value, std::uint8_t binaryLength = 0);
 
 // checkValue is 0, 1 or 2; current is what an earlier call computed.
 Decision decide(const Tweak& tweak, int checkValue, const foundation::Variant& current);

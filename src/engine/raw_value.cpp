@@ -75,4 +75,14 @@ Status listSubKeys(platform::Registry& registry, HKEY root, std::string_view pat
   return status == platform::ERROR_NO_MORE_ITEMS ? platform::ERROR_SUCCESS : status;
 }
 
+Status isEmptyKey(platform::Registry& registry, HKEY root, std::string_view path, bool& empty) {
+  const platform::OpenKey key(registry, root, path, platform::KEY_READ);
+  platform::KeyInfo info;
+  const Status status = key.status() == platform::ERROR_SUCCESS
+                            ? registry.RegQueryInfoKeyA(key.get(), info)
+                            : key.status();
+  empty = status == platform::ERROR_SUCCESS && info.subKeys == 0 && info.values == 0;
+  return status;
+}
+
 }  // namespace korvex::engine

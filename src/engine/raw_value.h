@@ -35,6 +35,10 @@ platform::Status listSubKeys(platform::Registry& registry, platform::HKEY root,
                              std::string_view path, platform::AccessMask access,
                              std::vector<std::string>& names);
 
+// Whether the key has neither values nor subkeys.
+platform::Status isEmptyKey(platform::Registry& registry, platform::HKEY root,
+                            std::string_view path, bool& empty);
+
 // For steps to which a missing key or value is no error.
 constexpr platform::Status missingIsFine(platform::Status status) {
   return status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status;

@@ -7,6 +7,7 @@
 #include "engine/defrag_entry.h"
 #include "engine/help_file.h"
 #include "engine/modes.h"
+#include "engine/same_data.h"
 #include "engine/same_name.h"
 #include "foundation/reg_value.h"
 
@@ -30,40 +31,13 @@ struct ReadValue {
   std::uint32_t size = kLongestData;
   std::array<char, kLongestData> data;
 
-  bool isMissing() const { return status == platform::ERROR_FILE_NOT_FOUND; }
-  bool is(std::int32_t number) const {
-    if (status != platform::ERROR_SUCCESS || type != platform::REG_DWORD || size != 4) return false;
-    std::uint32_t there = 0;
-    for (int i = 3; i >= 0; --i) {
-      there = there << 8 | static_cast<std::uint8_t>(data[static_cast<std::size_t>(i)]);
-    }
-    return there == static_cast<std::uint32_t>(number);
-  }
-  // Words are Windows' own, which it takes in any case; some programs store no last zero.
-  bool is(std::string_view word, platform::RegType wanted) const {
-    if (status != platform::ERROR_SUCCESS || type != wanted) return false;
-    std::string_view there(data.data(), size);
-    if (there.ends_with('\0')) there.remove_suffix(1);
-    return sameName(there, word);
+  // Whether the value is what the variant would be written as.
+  bool holds(const Variant& wanted) const {
+    if (wanted.isEmpty()) return status == platform::ERROR_FILE_NOT_FOUND;
+    return status == platform::ERROR_SUCCESS &&
+           engine::holds(type, std::string_view(data.data(), size), wanted);
   }
 };
-
-// GRegTool's choice: a text that names a variable is stored as one to expand.
-platform::RegType textType(std::string_view text) {
-  const auto first = text.find('%');
-  const bool names =
-      first != std::string_view::npos && text.find('%', first + 2) != std::string_view::npos;
-  return names ? platform::REG_EXPAND_SZ : platform::REG_SZ;
-}
-
-// Whether the value is what the variant would be written as.
-bool holds(const ReadValue& value, const Variant& wanted) {
-  if (wanted.isEmpty()) return value.isMissing();
-  if (const std::string* word = wanted.string()) {
-    return value.is(*word, textType(*word));
-  }
-  return wanted.number() && value.is(*wanted.number());
-}
 
 TweakState fromBool(bool on) { return {on ? Kind::On : Kind::Off, {}}; }
 
@@ -97,6 +71,11 @@ const StateReader::Opened& StateReader::open(Root root, std::string_view path) {
 TweakState StateReader::state(const Tweak& tweak) {
   const TweakState available = availability(tweak, session_);
   if (available.kind == Kind::Unavailable) return available;
+  if (tweak.adapt != nullptr) return stateOfRow(onMachine(tweak, session_));
+  return stateOfRow(tweak);
+}
+
+TweakState StateReader::stateOfRow(const Tweak& tweak) {
   if (tweak.reader != nullptr) return tweak.reader(tweak, session_);
   const Decision checked = decide(tweak, 1, {});
   if (checked.act == Act::SwapHelpFile) {
@@ -112,21 +91,22 @@ TweakState StateReader::state(const Tweak& tweak) {
 }
 
 TweakState StateReader::stateOfValue(const Tweak& tweak) {
-  const Mode& mode = kModes.at(static_cast<std::size_t>(tweak.mode));
+  const Mode& mode = modeOf(tweak);
   // A box that repeats what came before says nothing about the machine.
   if (mode.checked == Outcome::Current) return {};
   ReadValue value;
   value.status = session_.registry().RegQueryValueExA(open(tweak.root, tweak.key).key, tweak.value,
                                                       &value.type, value.data.data(), &value.size);
-  if (mode.checked == Outcome::BoxValue && value.is(2)) return {Kind::Grey, {}};
-  return fromBool(holds(value, decide(tweak, 1, {}).value));
+  if (mode.checked == Outcome::BoxValue && value.holds(2)) return {Kind::Grey, {}};
+  return fromBool(value.holds(decide(tweak, 1, {}).value));
 }
 
 TweakState readState(const Tweak& tweak, Session& session) {
   return StateReader(session).state(tweak);
 }
 
-std::string readText(const Tweak& tweak, Session& session) {
+std::string readText(const Tweak& row, Session& session) {
+  const Tweak tweak = onMachine(row, session);
   bool bMissing = false;
   const Variant raw =
       foundation::P_ReadRegValue(session, tweak.root, tweak.key, tweak.value, bMissing, true);

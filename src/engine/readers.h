@@ -13,7 +13,7 @@
 namespace korvex::engine {
 
 // Whether the machine's Windows has the tweak; if not, Unavailable with the reason.
-TweakState availability(const Tweak& tweak, const foundation::Session& session);
+TweakState availability(const Tweak& tweak, foundation::Session& session);
 
 // The state of the machine, the writer's inverse: On when the machine holds what a checked box
 // would write. Reads only. Data and type are compared; a missing key is Off, and "delete" is
@@ -36,11 +36,12 @@ class StateReader {
  private:
   struct Opened {
     Root root;
-    std::string_view path;  // of a row: rows are there for good
+    std::string_view path;  // of a row or a literal: both are there for good
     platform::Status status;
     platform::HKEY key;
   };
   const Opened& open(Root root, std::string_view path);
+  TweakState stateOfRow(const Tweak& tweak);
   TweakState stateOfValue(const Tweak& tweak);
 
   foundation::Session& session_;
@@ -49,6 +50,22 @@ class StateReader {
 
 // The reader of P_rwDefrag: either of its two entries will do.
 TweakState p_DetermineDefrag(const Tweak& tweak, foundation::Session& session);
+
+// The readers of the specials, each beside its writer.
+TweakState p_DetermineNoAdminShares(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineNoLogOff(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineRestrictRegistry(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineNetworkDrive(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineNameSpace(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineControlPanel_Printers_History(const Tweak& tweak,
+                                                    foundation::Session& session);
+TweakState p_DetermineShellVerbs(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineInherentDLLs(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineBMP(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineIE5InterfaceProps(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineUserPrefMask(const Tweak& tweak, foundation::Session& session);
+// Any name of My Computer that tells who is logged on counts.
+TweakState p_DetermineLogonCredentials(const Tweak& tweak, foundation::Session& session);
 
 // Sets the control of every row of the form to the machine's state and stores the state values.
 // Called with g_bNoRecord set. A row whose control the form does not have is left out. progress is

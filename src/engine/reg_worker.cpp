@@ -4,7 +4,10 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "engine/catalogue.h"
+#include "engine/kept_values.h"
 #include "engine/pending_changes.h"
 #include "foundation/reg_value.h"
 #include "foundation/runtime_error.h"
@@ -33,9 +36,10 @@ bool RegWorker::call(std::string_view property) {
   return run(*findTweak(property));
 }
 
-bool RegWorker::run(const Tweak& tweak) {
+bool RegWorker::run(const Tweak& row) {
   // Before the bracket: loading a form reads and records what the machine has.
-  formBook_.load(tweak.form);
+  if (row.shape != ControlShape::None) formBook_.load(row.form);
+  const Tweak tweak = onMachine(row, session_);
 
   bLastWriteFailed = false;
   lastStatus = platform::ERROR_SUCCESS;
@@ -43,10 +47,13 @@ bool RegWorker::run(const Tweak& tweak) {
   const bool rebootNeededBefore = session_.g_bRebootNeeded;
   {
     platform::RegistryChange change(session_.registry());
+    files_.emplace(session_.files());
     const bool done =
         keep(change.status()) &&
         (tweak.special != nullptr ? (this->*tweak.special)(tweak) : p_rwWriteRegChanges(tweak));
-    if (done) keep(change.commit());
+    if (done && keep(change.commit())) files_->commit();
+    keep(files_->rollback());
+    files_.reset();
   }
   if (bLastWriteFailed) session_.g_bRebootNeeded = rebootNeededBefore;
   if (!notice_.empty()) {
@@ -62,7 +69,8 @@ bool RegWorker::p_rwWriteRegChanges(const Tweak& tweak) {
   bool done = true;
   switch (decision.act) {
     case Act::Write:
-      done = p_MakeTheRegChange(tweak, decision.value);
+      done = tweak.keepsPrevious ? writeKeepingPrevious(tweak, decision.value)
+                                 : p_MakeTheRegChange(tweak, decision.value);
       break;
     case Act::Remember:
       vCurrentValue = decision.value;
@@ -87,6 +95,17 @@ bool RegWorker::p_MakeTheRegChange(const Tweak& tweak, const Variant& value) {
   vCurrentValue = value;
   return (deletes ? remove(tweak.root, tweak.key, tweak.value)
                   : write(tweak.root, tweak.key, tweak.value, value)) &&
+         endPendingChange(tweak);
+}
+
+bool RegWorker::writeKeepingPrevious(const Tweak& tweak, const Variant& value) {
+  const Variant on = decide(tweak, 1, vCurrentValue).value;
+  if (value == on) {
+    return keepPrevious(tweak, tweak.root, tweak.key, tweak.value, on) &&
+           p_MakeTheRegChange(tweak, value);
+  }
+  vCurrentValue = value;
+  return putBackPrevious(tweak, tweak.root, tweak.key, tweak.value, value) &&
          endPendingChange(tweak);
 }
 
@@ -115,6 +134,21 @@ bool RegWorker::endPendingChange(const Tweak& tweak) {
   return tweak.bank != Bank::Configuration || keep(rememberOption(session_, tweak));
 }
 
+bool RegWorker::finishSpecial(const Tweak& tweak) {
+  if (!endPendingChange(tweak)) return false;
+  session_.g_bRebootNeeded = tweak.reboot;
+  return true;
+}
+
+bool RegWorker::wantsOn(const Tweak& tweak, bool onByDefault) {
+  return session_.g_bDefaulting ? onByDefault : checkValue(tweak) == 1;
+}
+
+void RegWorker::notify(std::string text, int icon) {
+  notice_ = std::move(text);
+  noticeIcon_ = icon;
+}
+
 bool RegWorker::keep(Status status) {
   if (status == platform::ERROR_SUCCESS) return true;
   if (!bLastWriteFailed) lastStatus = status;  // the first failure is the cause of the others
@@ -140,6 +174,25 @@ bool RegWorker::remove(Root root, std::string_view key, std::string_view name) {
   const Status status = session_.regTool.DeleteRegValue(root, key, name);
   session_.trace.dump("lRetVal&", status);
   return keep(missingIsFine(status));
+}
+
+bool RegWorker::removeTree(Root root, std::string_view key) {
+  const Status status = session_.regTool.DeleteRegNodes(root, key);
+  session_.trace.dump("lRetVal&", status);
+  return keep(missingIsFine(status));
+}
+
+bool RegWorker::keepPrevious(const Tweak& tweak, Root root, std::string_view key,
+                             std::string_view name, const Variant& onValue) {
+  return keep(keepValue(session_, tweak, root, key, name, onValue));
+}
+
+bool RegWorker::putBackPrevious(const Tweak& tweak, Root root, std::string_view key,
+                                std::string_view name, const Variant& fallback) {
+  bool wasKept = false;
+  if (!keep(putBackValue(session_, tweak, root, key, name, wasKept))) return false;
+  if (wasKept) return true;
+  return fallback.isEmpty() ? remove(root, key, name) : write(root, key, name, fallback);
 }
 
 }  // namespace korvex::engine

@@ -58,26 +58,35 @@ bool RegWorker::removeDefragEntry() {
          (flags.number(0) != kDefragFlags || remove(HKLM, kRunOnceExKey, kFlagsValue));
 }
 
+std::string RegWorker::fieldText(const Tweak& tweak) {
+  if (session_.g_bDefaulting) return std::string(tweak.byDefault.text);
+  const auto* box = formBook_.load(tweak.form).find<forms::TextBox>(tweak.control);
+  if (box == nullptr) {
+    throw foundation::RuntimeError(foundation::kErrorInternal,
+                                   fmt::format("{} has no text box {}.", tweak.form, tweak.control),
+                                   std::string(tweak.property));
+  }
+  return box->Text;
+}
+
 bool RegWorker::P_rwStartMenuSpeed(const Tweak& tweak) {
   session_.trace.enter("[P_rwStartMenuSpeed]");
-  std::string figure(tweak.byDefault.text);
-  if (!session_.g_bDefaulting) {
-    const auto* box = formBook_.load(tweak.form).find<forms::TextBox>(tweak.control);
-    if (box == nullptr) {
-      throw foundation::RuntimeError(
-          foundation::kErrorInternal,
-          fmt::format("{} has no text box {}.", tweak.form, tweak.control), "P_rwStartMenuSpeed");
-    }
-    figure = box->Text.get();
-  }
+  const std::string figure = fieldText(tweak);
   const bool digits =
       !figure.empty() && std::ranges::all_of(figure, [](char c) { return c >= '0' && c <= '9'; });
   if (!digits) {
-    notice_ = "This field accepts numerical characters only.";
-    noticeIcon_ = platform::kIconInformation;
+    notify("This field accepts numerical characters only.", platform::kIconInformation);
     return keep(platform::ERROR_INVALID_DATA);
   }
   if (!p_MakeTheRegChange(tweak, figure)) return false;
+  session_.g_bRebootNeeded = tweak.reboot;
+  return true;
+}
+
+bool RegWorker::p_rwWriteText(const Tweak& tweak) {
+  session_.trace.enter(fmt::format("[{}]", tweak.property));
+  const std::string text = fieldText(tweak);
+  if (!p_MakeTheRegChange(tweak, text.empty() ? variantOf(tweak.byDefault) : text)) return false;
   session_.g_bRebootNeeded = tweak.reboot;
   return true;
 }
@@ -93,12 +102,11 @@ bool RegWorker::p_rwClearAtRestart(const Tweak& tweak) {
     }
   }
   if (on && !session_.files().exists(supportProgram(session_))) {
-    notice_ = fmt::format(
-        "The support file, '{}', could not be found.\r\n"
-        "This file should reside in the same folder as Korvex.\r\n"
-        "This function will not work unless the file is present.",
-        kSupportFile);
-    noticeIcon_ = platform::kIconExclamation;
+    notify(fmt::format("The support file, '{}', could not be found.\r\n"
+                       "This file should reside in the same folder as Korvex.\r\n"
+                       "This function will not work unless the file is present.",
+                       kSupportFile),
+           platform::kIconExclamation);
   }
   return registerSupportProgram();
 }

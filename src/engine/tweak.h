@@ -44,9 +44,9 @@ constexpr Families k9x = kWin95 | kWin98 | kWinMe;
 constexpr Families kNT = kNT4 | kWin2000;
 constexpr Families kEvery = k9x | kNT;
 
-// A value as a row tells it: a DWORD, a text, or "delete the value".
+// A value as a row tells it: a DWORD, a text, the byte of a binary value, or "delete the value".
 struct RowValue {
-  enum class Kind : std::uint8_t { Delete, Number, Text };
+  enum class Kind : std::uint8_t { Delete, Number, Text, Byte };
   Kind kind = Kind::Delete;
   std::int32_t number = 0;
   std::string_view text;
@@ -56,6 +56,7 @@ struct RowValue {
 constexpr RowValue kDelete{};
 constexpr RowValue dword(std::int32_t number) { return {RowValue::Kind::Number, number, {}}; }
 constexpr RowValue text(std::string_view text) { return {RowValue::Kind::Text, 0, text}; }
+constexpr RowValue byte(std::int32_t number) { return {RowValue::Kind::Byte, number, {}}; }
 
 // What a machine has of a tweak.
 struct TweakState {
@@ -64,21 +65,33 @@ struct TweakState {
   std::string_view reason;  // why it is unavailable, for people
 };
 
-enum class ControlShape : std::uint8_t { CheckBox, TextBox };
+// None: a routine without a control of its own, for others to call and for restore-defaults.
+enum class ControlShape : std::uint8_t { CheckBox, TextBox, None };
 
-// A row that the engine's mode table cannot carry out names the member that does; a row whose
+// A row that the engine's mode tables cannot carry out names the member that does; a row whose
 // state is more than its one value names its reader.
 using Special = bool (RegWorker::*)(const Tweak&);
 using SpecialReader = TweakState (*)(const Tweak&, foundation::Session&);
+// Why this machine cannot have the tweak, beyond its Windows; "" where it can. Reads only.
+using Condition = std::string_view (*)(const Tweak&, foundation::Session&);
+// Fills in what depends on a fact of the machine: a key, a value's name, a default, a caption.
+// The texts it puts in must be literals. Reads only.
+using Adapt = void (*)(Tweak&, foundation::Session&);
 
 struct Tweak {
   std::string_view property;  // "P_rwRun": name of the routine and of its marker
   Root root = HKCU;
   std::string_view key = {};
   std::string_view value = {};  // "" is the key's default value
-  std::int16_t mode = 0;        // 0 to 21, see modes.h
+  std::int16_t mode = 0;        // 0 to 21, of the binary engine 0 to 3: see modes.h
   RowValue byDefault = {};      // written in restore-defaults mode
-  RowValue onValue = {};        // modes 3, 6, 10, 13 and 17
+  RowValue onValue = {};        // modes 3, 6, 10, 13 and 17; all of the binary engine
+  // 1 or 4: a REG_BINARY value of that many bytes, carried out by the binary engine. The first byte
+  // holds the row's, the others are 0. 0: any other row.
+  std::uint8_t binaryLength = 0;
+  // What stood there before is kept in the program's own area when the box is first checked, and
+  // comes back, once, where byDefault would be written; without it byDefault is written.
+  bool keepsPrevious = false;
   bool reboot = false;
   Bank bank = Bank::MainWindow;
   std::string_view stateName = {};  // name of the state value: "Defrag"
@@ -95,6 +108,11 @@ struct Tweak {
   Families needsDesktopUpdate = 0;
   Special special = nullptr;
   SpecialReader reader = nullptr;
+  Condition lacks = nullptr;
+  Adapt adapt = nullptr;
 };
+
+// The row as it is on this machine: adapt carried out.
+Tweak onMachine(const Tweak& row, foundation::Session& session);
 
 }  // namespace korvex::engine

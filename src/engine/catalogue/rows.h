@@ -12,9 +12,12 @@
 namespace korvex::engine {
 
 std::span<const Tweak> optionRows();
-std::span<const Tweak> desktopRows();
-std::span<const Tweak> securityRows();
-std::span<const Tweak> systemRows();
+std::span<const Tweak> desktopRows();       // desktop, Explorer and Start menu
+std::span<const Tweak> shellRows();         // what special routines do to the shell and its folders
+std::span<const Tweak> securityRows();      // restrictions of the main window
+std::span<const Tweak> moreSecurityRows();  // restrictions of frmMoreSecurity
+std::span<const Tweak> systemRows();        // system, NT and network
+std::span<const Tweak> dialogRows();        // of the dialogs that continue a page
 
 // Keys that several rows share.
 constexpr std::string_view kConfigurationKey = "SOFTWARE\\Korvex\\Configuration";
@@ -38,7 +41,9 @@ constexpr bool propertiesAreUnique(std::span<const Tweak> rows) {
 
 constexpr bool modesAreKnown(std::span<const Tweak> rows) {
   for (const Tweak& row : rows) {
-    if (row.mode < 0 || static_cast<std::size_t>(row.mode) >= kModes.size()) return false;
+    const std::size_t modes = row.binaryLength == 0 ? kModes.size() : kBinaryModes.size();
+    if (row.mode < 0 || static_cast<std::size_t>(row.mode) >= modes) return false;
+    if (row.binaryLength != 0 && row.binaryLength != 1 && row.binaryLength != 4) return false;
   }
   return true;
 }

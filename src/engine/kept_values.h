@@ -1,0 +1,34 @@
+// Kept values: what stood in a value before a tweak first replaced it, so that it can come back.
+//
+// They stand in the program's own area, under SOFTWARE\\Korvex\\Previous and the tweak's property; a
+// value of HKEY_CURRENT_USER below the user's name, for another user had something else there. A
+// value that was not there is kept as an empty one without a type.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "engine/tweak.h"
+#include "foundation/session.h"
+#include "foundation/variant.h"
+#include "platform/status.h"
+
+namespace korvex::engine {
+
+// Where the tweak's values of that root are kept.
+std::string keptKey(const foundation::Session& session, const Tweak& tweak, Root root);
+
+// Does nothing where something is kept already, or where the value is the tweak's own onValue.
+platform::Status keepValue(foundation::Session& session, const Tweak& tweak, Root root,
+                           std::string_view key, std::string_view name,
+                           const foundation::Variant& onValue);
+
+// Puts the value back with the type and the bytes that it had, and forgets it.
+platform::Status putBackValue(foundation::Session& session, const Tweak& tweak, Root root,
+                              std::string_view key, std::string_view name, bool& wasKept);
+
+// Whether something is kept. Reads only.
+bool isKept(foundation::Session& session, const Tweak& tweak, Root root, std::string_view key,
+            std::string_view name);
+
+}  // namespace korvex::engine
