@@ -42,8 +42,8 @@ constexpr std::string_view kPrefix = "P_rw";
 const std::vector<const Tweak*>& allTweaks() {
   static const std::vector<const Tweak*> rows = [] {
     std::vector<const Tweak*> result;
-    for (const auto table : {optionRows(), desktopRows(), shellRows(), securityRows(), moreSecurityRows(),
-                             systemRows(), dialogRows()}) {
+    for (const auto table : {optionRows(), desktopRows(), shellRows(), securityRows(),
+                             moreSecurityRows(), systemRows(), dialogRows()}) {
       for (const Tweak& row : table) result.push_back(&row);
     }
     return result;

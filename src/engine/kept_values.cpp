@@ -18,9 +18,13 @@ namespace {
 
 constexpr std::string_view kPrevious = "SOFTWARE\\Korvex\\Previous";
 
-// Names of values may hold backslashes, so one key can tell the values of several keys apart.
+// Names of values may hold backslashes, so one key can tell the values of several keys apart. A
+// value that was not there has a record of its own kind: no type of data could stand for it.
 std::string keptName(std::string_view key, std::string_view name) {
-  return fmt::format("{}\\{}", key, name);
+  return fmt::format("+{}\\{}", key, name);
+}
+std::string absentName(std::string_view key, std::string_view name) {
+  return fmt::format("-{}\\{}", key, name);
 }
 
 Status writeRaw(Session& session, Root root, std::string_view path, std::string_view name,
@@ -44,9 +48,14 @@ std::string keptKey(const Session& session, const Tweak& tweak, Root root) {
 
 bool isKept(Session& session, const Tweak& tweak, Root root, std::string_view key,
             std::string_view name) {
+  const platform::OpenKey from(session.registry(), HKLM, keptKey(session, tweak, root),
+                               platform::KEY_QUERY_VALUE);
+  if (from.status() != ERROR_SUCCESS) return false;
   RawValue value;
-  return readRawValue(session.registry(), HKLM, keptKey(session, tweak, root), keptName(key, name),
-                      value) == ERROR_SUCCESS;
+  return readRawValue(session.registry(), from.get(), keptName(key, name), value) ==
+             ERROR_SUCCESS ||
+         readRawValue(session.registry(), from.get(), absentName(key, name), value) ==
+             ERROR_SUCCESS;
 }
 
 Status keepValue(Session& session, const Tweak& tweak, Root root, std::string_view key,
@@ -55,24 +64,28 @@ Status keepValue(Session& session, const Tweak& tweak, Root root, std::string_vi
   RawValue present;
   const Status status = readRawValue(session.registry(), root, key, name, present);
   if (missingIsFine(status) != ERROR_SUCCESS) return status;
-  if (status == ERROR_SUCCESS ? holds(present, onValue) : onValue.isEmpty()) return ERROR_SUCCESS;
-  if (status == ERROR_FILE_NOT_FOUND) present = {};
-  return writeRaw(session, HKLM, keptKey(session, tweak, root), keptName(key, name), present);
+  const bool there = status == ERROR_SUCCESS;
+  if (there ? holds(present, onValue) : onValue.isEmpty()) return ERROR_SUCCESS;
+  return writeRaw(session, HKLM, keptKey(session, tweak, root),
+                  there ? keptName(key, name) : absentName(key, name), present);
 }
 
 Status putBackValue(Session& session, const Tweak& tweak, Root root, std::string_view key,
                     std::string_view name, bool& wasKept) {
+  wasKept = isKept(session, tweak, root, key, name);
+  if (!wasKept) return ERROR_SUCCESS;
   const std::string from = keptKey(session, tweak, root);
+  std::string record = keptName(key, name);
   RawValue kept;
-  Status status =
-      readRawValue(session.registry(), HKLM, from, keptName(key, name), kept);
-  wasKept = status == ERROR_SUCCESS;
-  if (!wasKept) return missingIsFine(status);
-  const bool wasAbsent = kept.type == platform::REG_NONE && kept.bytes.empty();
-  status = wasAbsent ? missingIsFine(session.regTool.DeleteRegValue(root, key, name))
-                     : writeRaw(session, root, key, name, kept);
+  Status status = readRawValue(session.registry(), HKLM, from, record, kept);
+  if (status == ERROR_FILE_NOT_FOUND) {
+    record = absentName(key, name);
+    status = missingIsFine(session.regTool.DeleteRegValue(root, key, name));
+  } else if (status == ERROR_SUCCESS) {
+    status = writeRaw(session, root, key, name, kept);
+  }
   if (status != ERROR_SUCCESS) return status;
-  status = session.regTool.DeleteRegValue(HKLM, from, keptName(key, name));
+  status = session.regTool.DeleteRegValue(HKLM, from, record);
   if (status != ERROR_SUCCESS) return status;
   // An empty key of kept values says nothing; one that still holds some stays.
   bool empty = false;
