@@ -1,6 +1,6 @@
 // Kept values: what stood in a value before a tweak first replaced it, so that it can come back.
 //
-// They stand in the program's own area, under SOFTWARE\\Korvex\\Previous and the tweak's property;
+// They stand in the program's own area, under SOFTWARE\Korvex\Previous and the tweak's property;
 // a value of HKEY_CURRENT_USER below the user's name, for another user had something else there.
 // That a value was not there is a record of its own.
 #pragma once
