@@ -43,7 +43,7 @@ const std::vector<const Tweak*>& allTweaks() {
   static const std::vector<const Tweak*> rows = [] {
     std::vector<const Tweak*> result;
     for (const auto table : {optionRows(), desktopRows(), shellRows(), securityRows(),
-                             moreSecurityRows(), systemRows(), dialogRows()}) {
+                             moreSecurityRows(), windows9xRows(), ntRows(), dialogRows()}) {
       for (const Tweak& row : table) result.push_back(&row);
     }
     return result;

@@ -16,7 +16,8 @@ std::span<const Tweak> desktopRows();       // desktop, Explorer and Start menu
 std::span<const Tweak> shellRows();         // what special routines do to the shell and its folders
 std::span<const Tweak> securityRows();      // restrictions of the main window
 std::span<const Tweak> moreSecurityRows();  // restrictions of frmMoreSecurity
-std::span<const Tweak> systemRows();        // system, NT and network
+std::span<const Tweak> windows9xRows();     // system and network of Windows 95, 98 and Me
+std::span<const Tweak> ntRows();            // system, logon, printing of NT 4 and 2000
 std::span<const Tweak> dialogRows();        // of the dialogs that continue a page
 
 // Keys that several rows share.

@@ -47,6 +47,12 @@ constexpr Tweak ofTheMachine(Tweak row) {
   return row;
 }
 
+constexpr Tweak deletedWhenCleared(Tweak row) {
+  row.mode = 1;
+  row.byDefault = kDelete;
+  return row;
+}
+
 constexpr std::array kRows{
     restriction("P_rwRun", kPoliciesExplorer, "NoRun", "chkHideRun", kStartMenu,
                 "Hide R&un on the Start menu",
@@ -81,6 +87,11 @@ constexpr std::array kRows{
                 "Removes the program groups of all users from the Start menu"
                 "...default is unchecked...restart required",
                 kWin98 | kWinMe | kNT),
+    restriction("P_rwNoStartBanner", kPoliciesExplorer, "NoStartBanner", "chkClickHere", kStartMenu,
+                "Hide 'Click here to begin' on the taskbar",
+                "Shows no arrow to the Start button after logon...default is unchecked"
+                "...restart required",
+                kWin95 | kWin98 | kNT4),
     restriction("P_rwDesktopIcons", kPoliciesExplorer, "NoDesktop", "chkHideDesktopIcons", kDesktop,
                 "Hide all icons on the des&ktop",
                 "Shows an empty desktop...default is unchecked...restart required"),
@@ -103,6 +114,15 @@ constexpr std::array kRows{
                 "Shows no menu on a right click on the taskbar and on Start"
                 "...default is unchecked...restart required",
                 kEvery, kWin95),
+    restriction("P_rwNoSaveSettings", kPoliciesExplorer, "NoSaveSettings", "chkIgnoreChanges",
+                kDesktop, "Ignore changes of the desktop at exit",
+                "Keeps open windows, icons and the taskbar from being saved when Windows ends"
+                "...default is unchecked...restart required"),
+    deletedWhenCleared(
+        restriction("P_rwLinkResolveIgnoreLinkInfo", kPoliciesExplorer, "LinkResolveIgnoreLinkInfo",
+                    "chkLinkFileTracking", kDesktop, "Disable link file tracking",
+                    "Looks for a moved file only where its shortcut says...default is unchecked"
+                    "...restart required")),
     noRestart(ofTheMachine(
         restriction("P_rwDisablePwdCaching", kPoliciesNetwork, "DisablePwdCaching",
                     "chkDisablePwdCaching", kLogon, "Disable &password caching",
