@@ -1,11 +1,15 @@
 // Reading the state of a machine into the controls of a form.
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/catalogue.h"
 #include "engine/readers.h"
+#include "engine/reading_order.h"
 #include "foundation/error_handler.h"
 
 namespace korvex::engine {
@@ -15,8 +19,25 @@ using foundation::Session;
 using Kind = TweakState::Kind;
 
 std::string readerName(const Tweak& tweak) {
+  for (const ReadStep& step : kReadingOrder) {
+    if (step.property == tweak.property) return std::string(step.routine);
+  }
   constexpr std::string_view kPrefix = "P_rw";
   return fmt::format("p_Determine{}", tweak.property.substr(kPrefix.size()));
+}
+
+// The form's rows, those of the reading order first.
+std::vector<const Tweak*> rowsOf(const forms::Form& form) {
+  std::vector<std::pair<std::size_t, const Tweak*>> places;
+  for (const Tweak* tweak : allTweaks()) {
+    if (tweak->form != form.name() || tweak->shape == ControlShape::None) continue;
+    const auto step = std::ranges::find(kReadingOrder, tweak->property, &ReadStep::property);
+    places.emplace_back(static_cast<std::size_t>(step - kReadingOrder.begin()), tweak);
+  }
+  std::ranges::stable_sort(places, {}, &std::pair<std::size_t, const Tweak*>::first);
+  std::vector<const Tweak*> rows;
+  for (const auto& [place, tweak] : places) rows.push_back(tweak);
+  return rows;
 }
 
 int valueOf(Kind kind) {
@@ -40,8 +61,10 @@ class FormReader {
   FormReader(forms::Form& form, Session& session)
       : form_(form), session_(session), reader_(session) {}
 
-  void read(const Tweak& tweak) {
+  void read(const Tweak& row) {
+    const Tweak tweak = onMachine(row, session_);
     session_.trace.enter(fmt::format("[{}]", readerName(tweak)));
+    adaptControl(row, tweak);
     if (tweak.shape == ControlShape::TextBox) return readTextBox(tweak);
     auto* box = form_.find<forms::CheckBox>(tweak.control);
     if (box == nullptr) return;
@@ -74,6 +97,17 @@ class FormReader {
     std::int16_t value;
   };
 
+  // What the row says otherwise on this machine, its control says too.
+  void adaptControl(const Tweak& row, const Tweak& tweak) {
+    if (row.adapt == nullptr) return;
+    if (forms::Control* control = form_.find(tweak.control)) {
+      control->ToolTipText = std::string(tweak.toolTip);
+    }
+    if (auto* box = form_.find<forms::CheckBox>(tweak.control)) {
+      box->Caption = std::string(tweak.caption);
+    }
+  }
+
   void readTextBox(const Tweak& tweak) {
     auto* box = form_.find<forms::TextBox>(tweak.control);
     if (box == nullptr) return;
@@ -92,10 +126,7 @@ class FormReader {
 }  // namespace
 
 void readIntoForm(forms::Form& form, Session& session, const std::function<void(int)>& progress) {
-  std::vector<const Tweak*> rows;
-  for (const Tweak* tweak : allTweaks()) {
-    if (tweak->form == form.name()) rows.push_back(tweak);
-  }
+  const std::vector<const Tweak*> rows = rowsOf(form);
   FormReader reader(form, session);
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const auto after =
