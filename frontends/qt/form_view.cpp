@@ -100,7 +100,7 @@ void FormView::makeStatusBar() {
 
 void FormView::showStatus() {
   statusText_->setText(toQt(form_.StatusText.get()));
-  statusBar_->setVisible(form_.Busy || !form_.StatusText->empty());
+  statusBar_->setVisible(busyForLong_ || !form_.StatusText->empty());
 }
 
 void FormView::showBusy() {
@@ -108,6 +108,7 @@ void FormView::showBusy() {
   if (busy != waitCursor_) {
     waitCursor_ = busy;
     if (busy) {
+      busySince_.start();
       QApplication::setOverrideCursor(Qt::WaitCursor);
     } else {
       QApplication::restoreOverrideCursor();
@@ -116,10 +117,11 @@ void FormView::showBusy() {
   const int percent = form_.Progress;
   progress_->setRange(0, percent < 0 ? 0 : 100);
   progress_->setValue(percent < 0 ? 0 : percent);
-  progress_->setVisible(busy);
+  busyForLong_ = busy && busySince_.elapsed() >= progressDelay;
+  progress_->setVisible(busyForLong_);
   showStatus();
   // The form works inside one of its handlers: what it tells meanwhile must reach the screen.
-  if (busy && isVisible()) QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  if (busyForLong_ && isVisible()) QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 CommandButton* FormView::buttonWith(CommandButton::Role role) const {

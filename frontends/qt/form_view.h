@@ -6,11 +6,13 @@
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <map>
 #include <vector>
 
 #include "forms/form.h"
 #include "qt/bindings.h"
+#include "qt/load_progress.h"
 
 class QLabel;
 class QProgressBar;
@@ -34,6 +36,9 @@ class FormView : public QDialog {
   std::vector<const forms::Control*> unplacedControls() const;
 
   void reject() override;  // Escape
+
+  // How long the form must be busy until the bar shows, in milliseconds.
+  int progressDelay = kShowProgressAfterMs;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -61,6 +66,8 @@ class FormView : public QDialog {
   QLabel* statusText_ = nullptr;
   QProgressBar* progress_ = nullptr;
   bool waitCursor_ = false;
+  QElapsedTimer busySince_;
+  bool busyForLong_ = false;
   bool shown_ = false;
   Bindings bindings_;  // goes first
 };

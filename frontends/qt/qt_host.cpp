@@ -4,6 +4,7 @@
 #include <QEventLoop>
 
 #include "qt/form_view.h"
+#include "qt/load_progress.h"
 
 namespace korvex::qt {
 namespace {
@@ -15,6 +16,16 @@ struct Asking {
 };
 
 }  // namespace
+
+QtHost::QtHost() = default;
+QtHost::~QtHost() = default;
+
+void QtHost::loading(forms::Form& form) {
+  QWidget* parent = views_.empty() ? nullptr : views_.back();
+  loading_.push_back(std::make_unique<LoadProgress>(form, parent));
+}
+
+void QtHost::loaded(forms::Form&) { loading_.pop_back(); }
 
 void QtHost::showModal(forms::Form& form) {
   FormView view(form, views_.empty() ? nullptr : views_.back());

@@ -58,7 +58,9 @@ Form& FormBook::load(std::string_view name) {
   if (found == nullptr) throw std::out_of_range("there is no form named " + std::string(name));
   if (!found->form) {
     found->form = found->factory();
+    if (host_ != nullptr) host_->loading(*found->form);
     found->form->Load();
+    if (host_ != nullptr) host_->loaded(*found->form);
   }
   return *found->form;
 }

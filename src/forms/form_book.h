@@ -19,6 +19,9 @@ class FormHost {
   // Returns when the form is to go: on each closeRequested the host asks QueryUnload, and the form
   // stays while that says false.
   virtual void showModal(Form& form) = 0;
+  // Called before and after a form's Load handler, for a host that shows how far it is.
+  virtual void loading(Form&) {}
+  virtual void loaded(Form&) {}
 };
 
 class FormBook {
