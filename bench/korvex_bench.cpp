@@ -108,7 +108,21 @@ void startAndCloseTheProgram(benchmark::State& state) {
 }
 BENCHMARK(startAndCloseTheProgram)->Unit(benchmark::kMillisecond);
 
-// Ticks the given number of boxes in turn and applies: durable at the end of each round.
+// Turns over at most so many boxes of the form. The number of boxes that were.
+int turnBoxes(forms::Form& form, std::int64_t most) {
+  int turned = 0;
+  for (const engine::Tweak* tweak : engine::allTweaks()) {
+    if (tweak->form != form.name() || turned == most) continue;
+    auto* box = form.find<forms::CheckBox>(tweak->control);
+    if (box == nullptr || !box->Enabled) continue;
+    box->Value = box->Value == forms::vbChecked ? forms::vbUnchecked : forms::vbChecked;
+    ++turned;
+  }
+  return turned;
+}
+
+// Turns over so many boxes of the main window and applies: durable at the end of each round. The
+// clicks are recorded one by one as the user's hand makes them: they are not measured.
 void applyTweaks(benchmark::State& state) {
   const Sample sample;
   SilentPrompts prompts;
@@ -120,20 +134,16 @@ void applyTweaks(benchmark::State& state) {
   }
   forms::Form& form = program.formBook().load("frmMain");
   auto* apply = form.find<forms::CommandButton>("cmdApply");
-  int ticked = 0;
+  int turned = 0;
   for (auto _ : state) {
-    ticked = 0;
-    for (const engine::Tweak* tweak : engine::allTweaks()) {
-      auto* box = form.find<forms::CheckBox>(tweak->control);
-      if (box == nullptr || !box->Enabled || ticked == state.range(0)) continue;
-      box->Value = box->Value == forms::vbChecked ? forms::vbUnchecked : forms::vbChecked;
-      ++ticked;
-    }
+    state.PauseTiming();
+    turned = turnBoxes(form, state.range(0));
+    state.ResumeTiming();
     apply->press();
   }
-  state.counters["tweaks"] = ticked;
+  state.counters["tweaks"] = turned;
 }
-BENCHMARK(applyTweaks)->Arg(1)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(applyTweaks)->Arg(1)->Arg(1000)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 std::string makeText(int keys) {
   std::string text = "REGEDIT4\r\n\r\n";
