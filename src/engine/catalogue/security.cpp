@@ -6,6 +6,7 @@
 #include <array>
 
 #include "engine/catalogue/rows.h"
+#include "engine/conditions.h"
 
 namespace korvex::engine {
 namespace {
@@ -44,6 +45,12 @@ constexpr Tweak noRestart(Tweak row) {
 
 constexpr Tweak ofTheMachine(Tweak row) {
   row.root = HKLM;
+  return row;
+}
+
+// On the buttons of the dialog behind Ctrl+Alt+Del.
+constexpr Tweak ofTheLogonDialog(Tweak row) {
+  row.lacks = needsMsGina;
   return row;
 }
 
@@ -127,20 +134,22 @@ constexpr std::array kRows{
         restriction("P_rwDisablePwdCaching", kPoliciesNetwork, "DisablePwdCaching",
                     "chkDisablePwdCaching", kLogon, "Disable &password caching",
                     "Keeps no passwords in the user's password list...default is unchecked", k9x))),
-    noRestart(restriction("P_rwDisableLockWorkstation", kPoliciesSystem, "DisableLockWorkstation",
-                          "chkDisableLockWorkstation", kLogon, "Disable Lock &Workstation",
-                          "Removes locking from the Windows security dialog"
-                          "...default is unchecked",
-                          kNT)),
-    restriction("P_rwDisableChangePassword", kPoliciesSystem, "DisableChangePassword",
-                "chkDisableChangePassword", kLogon, "Disable Change Password",
-                "Removes Change Password from the Windows security dialog"
-                "...default is unchecked...restart required",
-                kNT),
-    restriction("P_rwDisableTaskMgr", kPoliciesSystem, "DisableTaskMgr", "chkDisableTaskManager",
-                kLogon, "Disable Task Manager",
-                "Keeps Task Manager from being opened...default is unchecked...restart required",
-                kNT),
+    noRestart(ofTheLogonDialog(restriction("P_rwDisableLockWorkstation", kPoliciesSystem,
+                                           "DisableLockWorkstation", "chkDisableLockWorkstation",
+                                           kLogon, "Disable Lock &Workstation",
+                                           "Removes locking from the Windows security dialog"
+                                           "...default is unchecked",
+                                           kNT))),
+    ofTheLogonDialog(restriction("P_rwDisableChangePassword", kPoliciesSystem,
+                                 "DisableChangePassword", "chkDisableChangePassword", kLogon,
+                                 "Disable Change Password",
+                                 "Removes Change Password from the Windows security dialog"
+                                 "...default is unchecked...restart required",
+                                 kNT)),
+    ofTheLogonDialog(restriction(
+        "P_rwDisableTaskMgr", kPoliciesSystem, "DisableTaskMgr", "chkDisableTaskManager", kLogon,
+        "Disable Task Manager",
+        "Keeps Task Manager from being opened...default is unchecked...restart required", kNT)),
     ofTheMachine(restriction("P_rwRestrictAnonymous", "SYSTEM\\CurrentControlSet\\Control\\LSA",
                              "RestrictAnonymous", "chkNullLogon", kLogon,
                              "Restrict anon&ymous network logons",

@@ -59,6 +59,11 @@ std::string EmbeddedSystemInfo::ExpandEnvironmentStringsA(std::string_view text)
   return result.append(text);
 }
 
+std::string EmbeddedSystemInfo::fileSystemOf(std::string_view drive) {
+  const auto found = machine_.fileSystems.find(foldName(drive.substr(0, 1)));
+  return found == machine_.fileSystems.end() ? std::string() : found->second;
+}
+
 Status EmbeddedSystemInfo::GetFileVersionInfoA(std::string_view path, FileVersion& version) {
   const auto found = machine_.fileVersions.find(foldName(path));
   if (found != machine_.fileVersions.end()) {

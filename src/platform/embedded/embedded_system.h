@@ -30,6 +30,7 @@ class EmbeddedSystemInfo : public SystemInfo {
   std::string GetUserNameA() override { return machine_.user; }
   std::string GetComputerNameA() override { return machine_.computerName; }
   Status GetFileVersionInfoA(std::string_view path, FileVersion& version) override;
+  std::string fileSystemOf(std::string_view drive) override;
   bool isAdministrator() override { return machine_.administrator; }
 
  private:

@@ -160,6 +160,9 @@ void readTables(const Fields& root, MachineFile& machine) {
   for (const auto& [path, value] : root.optional("fileVersions", Json::value_t::object).items()) {
     machine.fileVersions[foldName(path)] = fileVersion(Fields(value, "fileVersions." + path));
   }
+  for (const auto& [drive, value] : root.optional("fileSystems", Json::value_t::object).items()) {
+    machine.fileSystems[foldName(drive)] = textOf(value, "fileSystems." + drive);
+  }
   for (const auto& value : root.optional("openWindows", Json::value_t::array)) {
     const Fields window(value, "openWindows");
     machine.openWindows.push_back({window.text("class"), window.text("title")});

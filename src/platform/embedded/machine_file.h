@@ -35,6 +35,7 @@ struct MachineFile {
   std::string tempFolder;
   std::map<std::string, std::string> environment;   // names folded
   std::map<std::string, FileVersion> fileVersions;  // paths folded
+  std::map<std::string, std::string> fileSystems;   // "C" to "NTFS"
   std::vector<OpenWindow> openWindows;
   std::map<std::string, std::uint32_t> initialAttributes;  // of a sample only
 };
