@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include <vector>
+
 #include "engine/raw_value.h"
 #include "engine/same_data.h"
 
@@ -36,6 +38,59 @@ Status writeRaw(Session& session, Root root, std::string_view path, std::string_
   status = session.registry().RegSetValueExA(key, name, value.type, value.bytes.data(),
                                              static_cast<std::uint32_t>(value.bytes.size()));
   session.registry().RegCloseKey(key);
+  return status;
+}
+
+// A kept tree stands below the kept values under the full path of its key.
+std::string keptTree(const Session& session, const Tweak& tweak, Root root, std::string_view key) {
+  return fmt::format("{}\\{}", keptKey(session, tweak, root), key);
+}
+
+Status copyValues(platform::Registry& registry, platform::HKEY from, platform::HKEY to) {
+  char name[platform::kNameBufferBytes];
+  Status status = ERROR_SUCCESS;
+  for (std::uint32_t i = 0; status == ERROR_SUCCESS; ++i) {
+    std::uint32_t length = sizeof name;
+    status = registry.RegEnumValueA(from, i, name, &length, nullptr, nullptr, nullptr);
+    const std::string_view valueName(name, length);
+    if (status == ERROR_SUCCESS) status = copyRawValue(registry, from, valueName, to, valueName);
+  }
+  return status == platform::ERROR_NO_MORE_ITEMS ? ERROR_SUCCESS : status;
+}
+
+Status copyTree(Session& session, Root root, const std::string& from, Root toRoot,
+                const std::string& to) {
+  platform::Registry& registry = session.registry();
+  std::vector<std::string> children;
+  Status status = listSubKeys(registry, root, from, platform::KEY_READ, children);
+  if (status != ERROR_SUCCESS) return status;
+  platform::HKEY target = 0;
+  bool existed = false;
+  status = session.regTool.CreateRegNode(toRoot, to, target, existed, platform::KEY_ALL_ACCESS);
+  if (status != ERROR_SUCCESS) return status;
+  {
+    const platform::OpenKey source(registry, root, from, platform::KEY_READ);
+    status = source.status() == ERROR_SUCCESS ? copyValues(registry, source.get(), target)
+                                              : source.status();
+  }
+  registry.RegCloseKey(target);
+  for (const std::string& child : children) {
+    if (status != ERROR_SUCCESS) return status;
+    status = copyTree(session, root, from + '\\' + child, toRoot, to + '\\' + child);
+  }
+  return status;
+}
+
+// Takes the kept record away, and what is empty above it up to the tweak's own key.
+Status forget(Session& session, std::string path, const std::string& top) {
+  Status status = session.regTool.DeleteRegNodes(HKLM, path);
+  bool empty = true;
+  while (status == ERROR_SUCCESS && path != top) {
+    path.resize(path.rfind('\\'));
+    status = isEmptyKey(session.registry(), HKLM, path, empty);
+    if (status != ERROR_SUCCESS || !empty) return status;
+    status = session.regTool.DeleteRegNodes(HKLM, path);
+  }
   return status;
 }
 
@@ -91,6 +146,31 @@ Status putBackValue(Session& session, const Tweak& tweak, Root root, std::string
   bool empty = false;
   status = isEmptyKey(session.registry(), HKLM, from, empty);
   return status == ERROR_SUCCESS && empty ? session.regTool.DeleteRegNodes(HKLM, from) : status;
+}
+
+bool isTreeKept(Session& session, const Tweak& tweak, Root root, std::string_view key) {
+  return platform::OpenKey(session.registry(), HKLM, keptTree(session, tweak, root, key),
+                           platform::KEY_QUERY_VALUE)
+             .status() == ERROR_SUCCESS;
+}
+
+Status keepTree(Session& session, const Tweak& tweak, Root root, std::string_view key) {
+  if (platform::OpenKey(session.registry(), root, key, platform::KEY_QUERY_VALUE).status() ==
+      ERROR_FILE_NOT_FOUND) {
+    return ERROR_SUCCESS;
+  }
+  const std::string to = keptTree(session, tweak, root, key);
+  const Status status = missingIsFine(session.regTool.DeleteRegNodes(HKLM, to));
+  return status == ERROR_SUCCESS ? copyTree(session, root, std::string(key), HKLM, to) : status;
+}
+
+Status putBackTree(Session& session, const Tweak& tweak, Root root, std::string_view key,
+                   bool& wasKept) {
+  wasKept = isTreeKept(session, tweak, root, key);
+  if (!wasKept) return ERROR_SUCCESS;
+  const std::string from = keptTree(session, tweak, root, key);
+  const Status status = copyTree(session, HKLM, from, root, std::string(key));
+  return status == ERROR_SUCCESS ? forget(session, from, keptKey(session, tweak, root)) : status;
 }
 
 }  // namespace korvex::engine

@@ -31,4 +31,13 @@ platform::Status putBackValue(foundation::Session& session, const Tweak& tweak, 
 bool isKept(foundation::Session& session, const Tweak& tweak, Root root, std::string_view key,
             std::string_view name);
 
+// The same for a whole key. Its values and subkeys are copied as they stand; keeping again replaces
+// what was kept. A key that is not there is not kept.
+platform::Status keepTree(foundation::Session& session, const Tweak& tweak, Root root,
+                          std::string_view key);
+// Copies what was kept over the key and forgets it.
+platform::Status putBackTree(foundation::Session& session, const Tweak& tweak, Root root,
+                             std::string_view key, bool& wasKept);
+bool isTreeKept(foundation::Session& session, const Tweak& tweak, Root root, std::string_view key);
+
 }  // namespace korvex::engine
