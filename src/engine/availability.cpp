@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 
+#include "engine/conditions.h"
 #include "engine/readers.h"
 
 namespace korvex::engine {
@@ -25,13 +26,6 @@ constexpr std::array kFamilies{
     FamilyName{kWinMe, Os::WindowsMe, "Millennium"}, FamilyName{kNT4, Os::WindowsNT4, "NT4"},
     FamilyName{kWin2000, Os::Windows2000, "2000"},
 };
-
-Families familyOf(const foundation::Session& session) {
-  for (const FamilyName& family : kFamilies) {
-    if (family.os == session.g_eOS) return family.family;
-  }
-  return kEvery;  // not detected: nothing is kept back
-}
 
 std::string sentence(Families families) {
   std::string names;
@@ -68,6 +62,13 @@ bool hasDesktopUpdate(const foundation::Session& session) {
 }
 
 }  // namespace
+
+Families familyOf(const foundation::Session& session) {
+  for (const FamilyName& family : kFamilies) {
+    if (family.os == session.g_eOS) return family.family;
+  }
+  return kEvery;  // not detected: nothing is kept back
+}
 
 TweakState availability(const Tweak& tweak, foundation::Session& session) {
   const Families family = familyOf(session);

@@ -9,6 +9,9 @@
 
 namespace korvex::engine {
 
+// The machine's Windows as a row's set tells it; every one where it was not detected.
+Families familyOf(const foundation::Session& session);
+
 // The browser's restrictions: Internet Explorer 4.72.3110.3 (4.01 SP2) or later.
 std::string_view needsExplorer4SP2(const Tweak&, foundation::Session& session);
 std::string_view needsExplorer4(const Tweak&, foundation::Session& session);

@@ -54,6 +54,7 @@ class RegWorker {
   // shell_folders.cpp
   bool p_HandleRemoveOfNameSpace(const Tweak& tweak);
   bool p_PrintersAndControlPanelAndHistory(const Tweak& tweak);
+  void askForWhom(const Tweak& tweak);  // you only, or all users
   // shell_verbs.cpp: P_rwRightClickDOS, P_rwPrintDirs_Files, P_rwOpenWith
   bool p_rwShellVerbs(const Tweak& tweak);
   // shell_icons.cpp
@@ -110,6 +111,7 @@ class RegWorker {
   foundation::Session& session_;
   forms::FormBook& formBook_;
   std::optional<platform::FileChange> files_;
+  bool forAllUsers_ = false;  // the answer to askForWhom
   // What a routine has to tell the person. Shown when its bracket is closed: nobody else can write
   // to the machine while one is open.
   std::string notice_;

@@ -71,6 +71,9 @@ enum class ControlShape : std::uint8_t { CheckBox, TextBox, None };
 // A row that the engine's mode tables cannot carry out names the member that does; a row whose
 // state is more than its one value names its reader.
 using Special = bool (RegWorker::*)(const Tweak&);
+// What a special has to ask the person. It is asked before the routine's change is begun: nobody
+// else can write to the machine while one is open.
+using Ask = void (RegWorker::*)(const Tweak&);
 using SpecialReader = TweakState (*)(const Tweak&, foundation::Session&);
 // Why this machine cannot have the tweak, beyond its Windows; "" where it can. Reads only.
 using Condition = std::string_view (*)(const Tweak&, foundation::Session&);
@@ -107,6 +110,7 @@ struct Tweak {
   // Of these, the Windows that have it only with the desktop update of Internet Explorer 4.
   Families needsDesktopUpdate = 0;
   Special special = nullptr;
+  Ask ask = nullptr;
   SpecialReader reader = nullptr;
   Condition lacks = nullptr;
   Adapt adapt = nullptr;
