@@ -118,4 +118,9 @@ TweakState p_DetermineDefrag(const Tweak& tweak, Session& session) {
                   holdsText(session, tweak.key, tweak.value, *decide(tweak, 1, {}).value.string()));
 }
 
+TweakState p_DetermineLogonCredentials(const Tweak& tweak, Session& session) {
+  const std::string name = session.regTool.GetRegStr(tweak.key, tweak.value, tweak.root);
+  return fromBool(name.find(" on ") != std::string::npos);
+}
+
 }  // namespace korvex::engine

@@ -45,6 +45,8 @@ class RegWorker {
   bool p_rwClearAtRestart(const Tweak& tweak);
   // A field whose text is the value; an empty one writes byDefault.
   bool p_rwWriteText(const Tweak& tweak);
+  // The box itself, told as the row's value.
+  bool P_rwAppendToLogFile(const Tweak& tweak);
   // restrictions.cpp
   bool P_rwNoAdminShares(const Tweak& tweak);
   bool P_rwNoLogOff(const Tweak& tweak);

@@ -91,6 +91,12 @@ bool RegWorker::p_rwWriteText(const Tweak& tweak) {
   return true;
 }
 
+bool RegWorker::P_rwAppendToLogFile(const Tweak& tweak) {
+  Tweak filled = tweak;
+  if (!session_.g_bDefaulting) filled.onValue = dword(checkValue(tweak) == 1 ? 1 : 0);
+  return p_rwWriteRegChanges(filled);
+}
+
 bool RegWorker::p_rwClearAtRestart(const Tweak& tweak) {
   if (!p_rwWriteRegChanges(tweak)) return false;
   const bool on = foundation::looselyEqual(vCurrentValue, std::int16_t{1});

@@ -18,7 +18,11 @@ std::span<const Tweak> securityRows();      // restrictions of the main window
 std::span<const Tweak> moreSecurityRows();  // restrictions of frmMoreSecurity
 std::span<const Tweak> windows9xRows();     // system and network of Windows 95, 98 and Me
 std::span<const Tweak> ntRows();            // system, logon, printing of NT 4 and 2000
-std::span<const Tweak> dialogRows();        // of the dialogs that continue a page
+// Of the dialogs that continue a page: frmWinTweaksII and so on.
+std::span<const Tweak> winTweaksIIRows();
+std::span<const Tweak> nt4Win2KContRows();
+std::span<const Tweak> ntServerRows();
+std::span<const Tweak> drWatRows();
 
 // Keys that several rows share.
 constexpr std::string_view kConfigurationKey = "SOFTWARE\\Korvex\\Configuration";
