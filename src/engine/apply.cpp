@@ -34,7 +34,8 @@ std::string nameForPeople(const FailedRoutine& failure) {
 }  // namespace
 
 std::vector<FailedRoutine> applyBank(Bank bank, foundation::Session& session,
-                                     PendingChanges& pending, RegWorker& worker) {
+                                     PendingChanges& pending, RegWorker& worker,
+                                     const std::function<void()>& done) {
   std::vector<FailedRoutine> failures;
   std::vector<std::string> routines;
   const platform::Status listed = missingIsFine(
@@ -48,6 +49,7 @@ std::vector<FailedRoutine> applyBank(Bank bank, foundation::Session& session,
       logError(session);
       failures.push_back({routine, platform::ERROR_SUCCESS});
     }
+    if (done) done();
   }
   pending.changed.raise();
   return failures;
@@ -61,6 +63,32 @@ std::string describeFailures(const std::vector<FailedRoutine>& failures) {
     text += fmt::format("\r\n{}: {}.", nameForPeople(failure), cause(failure));
   }
   return text + "\r\nPut the cause right and apply again, or leave to discard them.";
+}
+
+bool finishApply(foundation::Session& session, const std::vector<FailedRoutine>& failures,
+                 const std::vector<std::string>& furtherTrouble) {
+  std::vector<std::string> sentences = furtherTrouble;
+  if (!failures.empty()) sentences.insert(sentences.begin(), describeFailures(failures));
+  const platform::Status flushed = session.registry().flush();
+  if (flushed != platform::ERROR_SUCCESS) {
+    sentences.push_back(fmt::format("The changes could not be brought to the disk: {}.",
+                                    platform::describeStatus(flushed)));
+  }
+  if (sentences.empty()) return true;
+  session.prompts().messageBox(fmt::format("{}", fmt::join(sentences, foundation::kCrLf)),
+                               platform::kButtonsOk | platform::kIconExclamation,
+                               foundation::kAppTitle);
+  return false;
+}
+
+bool mayDiscard(foundation::Session& session, int changes, std::string_view leaving) {
+  if (changes == 0 || session.g_bNoShowConfirmation) return true;
+  const std::string text =
+      fmt::format("{} not been applied. {} and discard {}?",
+                  changes == 1 ? "1 change has" : fmt::format("{} changes have", changes), leaving,
+                  changes == 1 ? "it" : "them");
+  return session.prompts().messageBox(text, platform::kButtonsYesNo | platform::kIconQuestion,
+                                      foundation::kAppTitle) == platform::Answer::Yes;
 }
 
 }  // namespace korvex::engine

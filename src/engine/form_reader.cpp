@@ -10,6 +10,7 @@
 #include "engine/catalogue.h"
 #include "engine/readers.h"
 #include "engine/reading_order.h"
+#include "engine/whats_this.h"
 #include "foundation/error_handler.h"
 
 namespace korvex::engine {
@@ -102,6 +103,7 @@ class FormReader {
     if (row.adapt == nullptr) return;
     if (forms::Control* control = form_.find(tweak.control)) {
       control->ToolTipText = std::string(tweak.toolTip);
+      control->WhatsThis = whatsThis(tweak);
     }
     if (auto* box = form_.find<forms::CheckBox>(tweak.control)) {
       box->Caption = std::string(tweak.caption);

@@ -133,6 +133,17 @@ int PendingChanges::count() const {
   return static_cast<int>(waiting(Bank::MainWindow).size() + waiting(Bank::Configuration).size());
 }
 
+void PendingChanges::discard(Bank bank) {
+  foundation::guarded(session_, "discard", [&] {
+    for (const std::string& routine : waiting(bank)) {
+      const Status status =
+          session_.regTool.DeleteRegNodes(HKLM, markerPath(static_cast<int>(bank), routine));
+      session_.trace.dump("lRetVal&", status);
+    }
+  });
+  changed.raise();
+}
+
 void PendingChanges::p_FillLoadValues() {
   session_.trace.enter("[p_FillLoadValues]");
   platform::RegistryChange change(session_.registry());

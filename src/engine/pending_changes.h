@@ -28,6 +28,9 @@ class PendingChanges {
   // How many changes wait in the main window's two banks.
   int count() const;
 
+  // Takes a bank's markers away: what a dialog that closes did not apply.
+  void discard(Bank bank);
+
   // At start-up: what each option of bank 1 is now, for the way back.
   void p_FillLoadValues();
   // At closing: options that were not applied get their old values back, and the run's keys go.

@@ -12,6 +12,7 @@
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
 #include "foundation/reg_value.h"
+#include "main_window/office_page.h"
 #include "main_window/options.h"
 #include "main_window/restart_prompt.h"
 
@@ -21,8 +22,6 @@ namespace {
 using engine::Bank;
 using forms::Layout;
 using namespace platform;
-
-constexpr std::string_view kMenuSpeedRoutine = "P_rwStartMenuSpeed";
 
 struct TabRow {
   std::string_view caption;  // upper case
@@ -48,11 +47,6 @@ std::string_view storedTab(const std::string& caption) {
   return "1";
 }
 
-bool isNumber(const std::string& text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](unsigned char c) { return std::isdigit(c) != 0; });
-}
-
 std::string machineText(platform::Machine& machine) {
   const MachineDescription description = machine.describe();
   std::filesystem::path folder(description.folder);
@@ -68,7 +62,7 @@ std::string countText(int changes) {
 }  // namespace
 
 frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
-                 engine::PendingChanges& pending, StartOptions options)
+                 engine::PendingChanges& pending, forms::FormBook& formBook, StartOptions options)
     : Form(kName, kCaption),
       session_(session),
       regWorker_(regWorker),
@@ -76,18 +70,23 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
       options_(options),
       startUp_(session, pending, options),
       pages_(*this),
-      txtStartMenu_(find<forms::TextBox>("txtStartMenu")) {
+      fields_(session, regWorker, pages_.controls(), [this] { edited(); }) {
   cmdApply.Enabled = false;
   cmdApply.ToolTipText = "Write the changes to the machine";
   cmdDone.ToolTipText = "Leave Korvex; changes that were not applied are discarded";
+  makeSections(formBook);
   layout =
-      Layout::column({pages_.layout(tabMain),
+      Layout::column({pages_.layout(tabMain, sections_),
                       Layout::row({Layout::space(), Layout::of(cmdApply), Layout::of(cmdDone)})});
   connect();
 }
 
+void frmMain::makeSections(forms::FormBook&) {
+  sections_.push_back(std::make_unique<OfficePage>(*this, session_));
+}
+
 void frmMain::connect() {
-  for (const TweakControl& entry : pages_.controls()) {
+  for (const engine::TweakControl& entry : pages_.controls()) {
     auto* box = dynamic_cast<forms::CheckBox*>(entry.control);
     if (box == nullptr) continue;
     const engine::Tweak& tweak = *entry.tweak;
@@ -97,10 +96,6 @@ void frmMain::connect() {
                                false);
       });
     };
-  }
-  if (txtStartMenu_ != nullptr) {
-    txtStartMenu_->Change +=
-        [this] { trap("txtStartMenu_Change", [this] { txtStartMenu_Change(); }); };
   }
   cmdApply.Click += [this] { trap("cmdApply_Click", [this] { cmdApply_Click(); }); };
   cmdDone.Click += [this] { trap("cmdDone_Click", [this] { cmdDone_Click(); }); };
@@ -117,12 +112,7 @@ void frmMain::Load() {
   startResult_ = startUp_.prepare();
   if (startResult_ != StartResult::Started) return;
 
-  trap("p_DetermineSettings", [this] {
-    engine::readIntoForm(*this, session_, [this](int percent) { Progress = percent; });
-  });
-  if (txtStartMenu_ != nullptr) {
-    sMenuSpeed_ = appliedMenuSpeed_ = validMenuSpeed_ = txtStartMenu_->Text;
-  }
+  readMachine();
   P_SetWindowPos(session_, *this, true);
   p_SetTabControl();
   officeLastTab_ = readSetting(session_, "OfficeLastTab", officeLastTab_);
@@ -136,6 +126,16 @@ void frmMain::Load() {
   showStatus();
 }
 
+void frmMain::readMachine() {
+  trap("p_DetermineSettings", [this] {
+    engine::readIntoForm(*this, session_, [this](int percent) { Progress = percent; });
+  });
+  for (const auto& section : sections_) {
+    trap("p_DetermineSettings", [&section] { section->load(); });
+  }
+  fields_.load();
+}
+
 // With the option NoSaveTab every run begins on the first page.
 void frmMain::p_SetTabControl() {
   const int last = readSetting(session_, "LastTab", 1);
@@ -143,52 +143,39 @@ void frmMain::p_SetTabControl() {
   tabMain.SelectedItem = known && !session_.g_bNoSaveTab ? last : 1;
 }
 
-void frmMain::txtStartMenu_Change() {
-  if (session_.g_bDefaulting || session_.g_bNoRecord) return;
-  const std::string text = txtStartMenu_->Text;
-  if (!isNumber(text)) {
-    txtStartMenu_->Text = validMenuSpeed_;
-    session_.prompts().messageBox("This field accepts numerical characters only.",
-                                  kButtonsOk | kIconInformation, foundation::kAppTitle);
-    return;
-  }
-  validMenuSpeed_ = text;
-  if (text != sMenuSpeed_) {
-    cmdApply.Enabled = true;
-    m_bMenuSpeedChanged_ = true;
-  }
+void frmMain::edited() {
+  cmdApply.Enabled = true;
   showStatus();
 }
 
+// What waits in the banks, then the writers that are no check boxes, in the product's order.
 void frmMain::cmdApply_Click() {
+  Busy = true;
+  Progress = -1;
   std::vector<engine::FailedRoutine> failures;
-  for (const Bank bank : {Bank::MainWindow, Bank::Configuration}) {
-    const auto failed = engine::applyBank(bank, session_, pending_, regWorker_);
+  const auto add = [&failures](const std::vector<engine::FailedRoutine>& failed) {
     failures.insert(failures.end(), failed.begin(), failed.end());
+  };
+  const int waiting = std::max(1, changesWaiting());
+  const auto step = [this, waiting] {
+    Progress = 100 * (waiting - std::min(waiting, changesWaiting())) / waiting;
+  };
+  for (const Bank bank : {Bank::MainWindow, Bank::Configuration}) {
+    add(engine::applyBank(bank, session_, pending_, regWorker_, step));
   }
-  if (m_bMenuSpeedChanged_) {
-    const std::string text = txtStartMenu_->Text;
-    regWorker_.call(kMenuSpeedRoutine);
-    if (regWorker_.bLastWriteFailed) {
-      failures.push_back({std::string(kMenuSpeedRoutine), regWorker_.lastStatus});
-    } else {
-      appliedMenuSpeed_ = text;
-    }
+  add(fields_.writeMenuSpeed());
+  std::vector<std::string> trouble;
+  for (const auto& section : sections_) {
+    const std::string sentence = section->apply();
+    if (!sentence.empty()) trouble.push_back(sentence);
   }
+  add(fields_.P_WriteExplorerDesc());
   cmdApply.Enabled = false;
   readOptions(session_);
-
-  std::string message = engine::describeFailures(failures);
-  const Status flushed = session_.registry().flush();
-  if (flushed != ERROR_SUCCESS) {
-    if (!message.empty()) message += foundation::kCrLf;
-    message +=
-        fmt::format("The changes could not be brought to the disk: {}.", describeStatus(flushed));
-  }
+  Progress = -1;
+  Busy = false;
   showStatus();
-  if (message.empty()) return;
-  cmdApply.Enabled = changesWaiting() > 0;
-  session_.prompts().messageBox(message, kButtonsOk | kIconExclamation, foundation::kAppTitle);
+  if (!engine::finishApply(session_, failures, trouble)) cmdApply.Enabled = changesWaiting() > 0;
 }
 
 void frmMain::cmdDone_Click() {
@@ -200,18 +187,8 @@ void frmMain::cmdDone_Click() {
 }
 
 bool frmMain::mayDiscard() {
-  const int changes = changesWaiting();
-  if (discardAgreed_ || changes == 0 || !options_.askBeforeDiscarding ||
-      session_.g_bNoShowConfirmation) {
-    return true;
-  }
-  const std::string text =
-      fmt::format("{} not been applied. Leave Korvex and discard {}?",
-                  changes == 1 ? "1 change has" : fmt::format("{} changes have", changes),
-                  changes == 1 ? "it" : "them");
-  const Answer answer =
-      session_.prompts().messageBox(text, kButtonsYesNo | kIconQuestion, foundation::kAppTitle);
-  discardAgreed_ = answer == Answer::Yes;
+  discardAgreed_ = discardAgreed_ || !options_.askBeforeDiscarding ||
+                   engine::mayDiscard(session_, changesWaiting(), "Leave Korvex");
   return discardAgreed_;
 }
 
@@ -245,8 +222,9 @@ void frmMain::rememberTab() {
 }
 
 int frmMain::changesWaiting() const {
-  const bool menuSpeed = txtStartMenu_ != nullptr && txtStartMenu_->Text.get() != appliedMenuSpeed_;
-  return pending_.count() + (menuSpeed ? 1 : 0);
+  int changes = pending_.count() + fields_.changesWaiting();
+  for (const auto& section : sections_) changes += section->changesWaiting();
+  return changes;
 }
 
 void frmMain::showStatus() {

@@ -4,6 +4,8 @@
 // and carried out by cmdApply; what was not applied is discarded when the window closes.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,9 +13,12 @@
 #include "engine/pending_changes.h"
 #include "engine/reg_worker.h"
 #include "forms/form.h"
+#include "forms/form_book.h"
 #include "foundation/session.h"
 #include "main_window/main_pages.h"
+#include "main_window/page_section.h"
 #include "main_window/start_up.h"
+#include "main_window/text_fields.h"
 
 namespace korvex::main_window {
 
@@ -23,7 +28,7 @@ class frmMain : public forms::Form {
   static constexpr const char* kCaption = "Korvex...for Power Users - ";
 
   frmMain(foundation::Session& session, engine::RegWorker& regWorker,
-          engine::PendingChanges& pending, StartOptions options);
+          engine::PendingChanges& pending, forms::FormBook& formBook, StartOptions options);
 
   void Load() override;
   bool QueryUnload() override;
@@ -36,16 +41,19 @@ class frmMain : public forms::Form {
   forms::CommandButton cmdDone{*this, "cmdDone", "&Done"};
 
  private:
+  void makeSections(forms::FormBook& formBook);
   void connect();
   void cmdApply_Click();
   void cmdDone_Click();
-  void txtStartMenu_Change();
+  // Reads the machine into every control, as start-up and Defaults do.
+  void readMachine();
   void p_SetTabControl();
   void rememberTab();
   void saveState();
   // The question whether to lose what was not applied; true where that is fine.
   bool mayDiscard();
   int changesWaiting() const;
+  void edited();
   void showStatus();
   // Runs a handler in the error trap under the name of the control and its event.
   void trap(const std::string& routine, const std::function<void()>& handler);
@@ -56,17 +64,12 @@ class frmMain : public forms::Form {
   StartOptions options_;
   StartUp startUp_;
   MainPages pages_;
-  forms::TextBox* txtStartMenu_;
+  TextFields fields_;
+  std::vector<std::unique_ptr<PageSection>> sections_;
   StartResult startResult_ = StartResult::NotYet;
   bool discardAgreed_ = false;
   std::string machineText_;
 
-  // The menu show delay: what start-up read, what is written by now, and the last text that was a
-  // number.
-  std::string sMenuSpeed_;
-  std::string appliedMenuSpeed_;
-  std::string validMenuSpeed_;
-  bool m_bMenuSpeedChanged_ = false;
   int officeLastTab_ = 1;
 };
 

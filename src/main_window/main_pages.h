@@ -1,18 +1,15 @@
-// MainPages: the controls that the catalogue's rows put on the pages of the main window, and where
-// they stand.
+// MainPages: the seven pages of the main window: the catalogue's rows and, below them, what the
+// sections add.
 #pragma once
 
+#include <memory>
 #include <vector>
 
-#include "engine/tweak.h"
+#include "engine/tweak_controls.h"
 #include "forms/form.h"
+#include "main_window/page_section.h"
 
 namespace korvex::main_window {
-
-struct TweakControl {
-  const engine::Tweak* tweak;
-  forms::Control* control;
-};
 
 class MainPages {
  public:
@@ -21,25 +18,18 @@ class MainPages {
   // The strip's seven tabs, in order.
   static std::vector<forms::Tab> tabs();
 
-  // Makes the controls of every row of the form, which owns them.
-  explicit MainPages(forms::Form& form);
+  explicit MainPages(forms::Form& form) : form_(form), controls_(form) {}
 
-  const std::vector<TweakControl>& controls() const { return controls_; }
-  // One part per page: titled groups in the order of the rows, or a sentence on an empty page.
-  forms::Layout layout(forms::TabStrip& tabMain);
+  const std::vector<engine::TweakControl>& controls() const { return controls_.all(); }
+  // One part per page: titled groups, or a sentence on an empty page. To be asked for once.
+  forms::Layout layout(forms::TabStrip& tabMain,
+                       const std::vector<std::unique_ptr<PageSection>>& sections);
 
  private:
-  struct Group {
-    std::string_view title;
-    std::vector<forms::Layout> parts;
-  };
-
-  forms::Layout makeControl(const engine::Tweak& tweak);
-  forms::Layout page(int index);
+  forms::Layout page(int index, const std::vector<std::unique_ptr<PageSection>>& sections);
 
   forms::Form& form_;
-  std::vector<TweakControl> controls_;
-  std::vector<Group> pages_[kPageCount];
+  engine::TweakControls controls_;
 };
 
 }  // namespace korvex::main_window

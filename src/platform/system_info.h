@@ -56,7 +56,8 @@ class SystemInfo {
   // GetFileVersionInfoA and VerQueryValueA in one. 2: no such file; 1813 would be Windows' word for
   // a file without a version resource, told here as ERROR_INVALID_DATA.
   virtual Status GetFileVersionInfoA(std::string_view path, FileVersion& version) = 0;
-  // The file system of a drive ("C:\\" or "C:"): "FAT", "FAT32", "NTFS"; "" where it cannot be told.
+  // The file system of a drive ("C:\\" or "C:"): "FAT", "FAT32", "NTFS"; "" where it cannot be
+  // told.
   virtual std::string fileSystemOf(std::string_view) { return {}; }
   // Whether the user may administer the machine; always true on 95, 98 and Me.
   virtual bool isAdministrator() = 0;

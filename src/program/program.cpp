@@ -27,7 +27,7 @@ Program::Program(platform::Machine& machine, platform::Prompts& prompts, StartOp
       regWorker_(session_, formBook_),
       pendingChanges_(session_, formBook_) {
   formBook_.add(std::string(kMainWindow), [this, options] {
-    return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, options);
+    return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, formBook_, options);
   });
 }
 

@@ -77,7 +77,7 @@ class KorvexRun {
   explicit KorvexRun(platform::Machine& machine, StartOptions options = {})
       : session(machine, prompts), worker(session, book), pending(session, book) {
     book.add(frmMain::kName, [this, options] {
-      return std::make_unique<frmMain>(session, worker, pending, options);
+      return std::make_unique<frmMain>(session, worker, pending, book, options);
     });
   }
 

@@ -176,7 +176,7 @@ class ExpectedTweaks {
     ExpectedLine line;
     std::vector<std::string> fields = parts(' ' + text);
     std::string first = fields.at(0);
-    first.erase(0, first.find_first_not_of(' ') == std::string::npos ? first.size() : 1);
+    if (!first.empty()) first.erase(0, 1);
     fields.erase(fields.begin());
     if (take(first, "file ")) {
       line.what = ExpectedLine::What::File;

@@ -5,8 +5,8 @@
 
 #include "engine/tweak.h"
 
-namespace korvex::main_window {
+namespace korvex::engine {
 
-std::string whatsThis(const engine::Tweak& tweak);
+std::string whatsThis(const Tweak& tweak);
 
-}  // namespace korvex::main_window
+}  // namespace korvex::engine

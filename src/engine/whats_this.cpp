@@ -1,0 +1,71 @@
+// The what's-this text of a tweak, derived from its row.
+#include "engine/whats_this.h"
+
+#include <fmt/format.h>
+
+#include "engine/modes.h"
+
+namespace korvex::engine {
+namespace {
+
+using foundation::Variant;
+
+std::string_view rootName(Root root) {
+  if (root == HKCR) return "HKEY_CLASSES_ROOT";
+  return root == HKCU ? "HKEY_CURRENT_USER" : "HKEY_LOCAL_MACHINE";
+}
+
+// Without the two bytes that the writer takes off.
+std::string hexText(const foundation::ByteArray& bytes) {
+  std::string text = "binary";
+  for (std::size_t i = 0; i + 2 < bytes.size(); ++i) text += fmt::format(" {:02x}", bytes[i]);
+  return text;
+}
+
+std::string dataText(const Variant& value) {
+  if (const std::string* text = value.string()) return fmt::format("\"{}\"", *text);
+  if (const auto number = value.number()) return fmt::format("DWORD {}", *number);
+  if (const foundation::ByteArray* bytes = value.bytes()) return hexText(*bytes);
+  return "no value";
+}
+
+std::string outcomeText(const Tweak& tweak, const Decision& decision, bool putsBack) {
+  switch (decision.act) {
+    case Decision::Act::Write:
+      return (tweak.keepsPrevious && putsBack ? "what stood there before, or " : "") +
+             dataText(decision.value);
+    case Decision::Act::Remember:
+      return "nothing is written";
+    case Decision::Act::DeleteKey:
+      return "the key is deleted";
+    case Decision::Act::SwapHelpFile:
+      return "the help file is swapped";
+    case Decision::Act::RestoreHelpFile:
+      return "the help file is restored";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string whatsThis(const Tweak& tweak) {
+  const std::string value =
+      tweak.value.empty() ? "the default value" : fmt::format("the value {}", tweak.value);
+  std::string text =
+      fmt::format("Sets {} of the key {}\\{}.", value, rootName(tweak.root), tweak.key);
+  if (tweak.special != nullptr && tweak.shape == ControlShape::CheckBox) {
+    // What it writes its mode cannot tell.
+    text += " 'korvex show' tells all that it writes.";
+  } else if (tweak.shape == ControlShape::CheckBox) {
+    text += fmt::format(" Checked: {}. Unchecked: {}.",
+                        outcomeText(tweak, decide(tweak, 1, Variant()), false),
+                        outcomeText(tweak, decide(tweak, 0, Variant()), true));
+  }
+  if (tweak.special == nullptr || tweak.shape == ControlShape::TextBox) {
+    text += fmt::format(" Windows default: {}.", outcomeText(tweak, decideDefault(tweak), true));
+  }
+  text += tweak.reboot ? " Takes effect after a restart." : "";
+  return text;
+}
+
+}  // namespace korvex::engine

@@ -1,0 +1,274 @@
+// Every tweak on every sample machine, through its form and Apply, against what the documents say
+// (expected/): exact types and bytes, both ways and back to the default, and nothing besides.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "engine/catalogue.h"
+#include "engine/readers.h"
+#include "program/program.h"
+#include "support/expected_tweaks.h"
+#include "support/machines.h"
+#include "support/registry_view.h"
+#include "support/scripted_prompts.h"
+
+namespace korvex::program {
+namespace {
+
+using engine::Tweak;
+using engine::TweakState;
+using test::ExpectedLine;
+using test::ExpectedTweak;
+using What = ExpectedLine::What;
+
+struct Sample {
+  const char* id;
+  char letter;
+};
+void PrintTo(const Sample& sample, std::ostream* out) { *out << sample.id; }
+
+enum Step { Checked, Unchecked, ByDefault };
+constexpr std::array kStepNames{"checked", "unchecked", "by default"};
+
+constexpr std::array<std::string_view, 9> kBanks{
+    "Configuration",      "CurrentSettings",    "CurrentSettingsII",
+    "CurrentSettingsIII", "CurrentSettingsIV",  "CurrentSettingsV",
+    "CurrentSettingsVI",  "CurrentSettingsVII", "CurrentSettingsVIII"};
+
+std::string folded(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+test::ExpectedTweaks expectedFor(const Sample& sample) {
+  return {std::filesystem::path(__FILE__).parent_path() / "expected", sample.id, sample.letter};
+}
+
+class EveryTweak : public testing::TestWithParam<Sample> {
+ protected:
+  EveryTweak() : machine_(GetParam().id), expected_(expectedFor(GetParam())) {}
+
+  void SetUp() override {
+    putFile("C:\\Program Files\\Korvex\\zak.hlp", "zak");
+    putFile("C:\\Program Files\\Korvex\\kvxsup.exe", "program");
+    for (const ExpectedTweak& tweak : expected_.tweaks) {
+      for (const ExpectedLine& line : tweak.given) {
+        if (line.what == What::File) {
+          putFile(line.key, line.states[0].substr(1, line.states[0].size() - 2));
+        } else {
+          view_.put(line.key, line.name, line.states[0]);
+        }
+      }
+    }
+    program_ = std::make_unique<Program>(machine_.get(), prompts_);
+    ASSERT_EQ(StartResult::Started, program_->start());
+    ASSERT_EQ(0, testing::UnitTest::GetInstance()->current_test_info()->result()->Failed());
+  }
+  void TearDown() override { program_->finish(); }
+
+  void putFile(const std::string& path, const std::string& content) {
+    machine_->files().createFolder(path.substr(0, path.rfind('\\')));
+    ASSERT_EQ(0, machine_->files().replace(path, content)) << path;
+  }
+
+  // What stands there, in the words of the files.
+  std::string now(const ExpectedLine& line) {
+    switch (line.what) {
+      case What::Key:
+        return view_.hasKey(line.key) ? "there" : "gone";
+      case What::Value:
+        return view_.value(line.key, line.name);
+      case What::File:
+        break;
+    }
+    std::uint32_t attributes = 0;
+    std::string content;
+    if (machine_->files().attributes(line.key, attributes) != 0) return "delete";
+    if ((attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0) return "folder";
+    EXPECT_EQ(0, machine_->files().read(line.key, content));
+    return '"' + content + '"';
+  }
+  // The other values of the keys that a tweak writes to.
+  std::map<std::string, std::string> neighbours(const ExpectedTweak& tweak) {
+    std::map<std::string, std::string> result;
+    for (const ExpectedLine& line : tweak.lines) {
+      if (line.what != What::Value) continue;
+      for (const auto& [name, data] : view_.values(line.key)) {
+        result[folded(line.key + " | " + name)] = data;
+      }
+    }
+    for (const ExpectedLine& line : tweak.lines) result.erase(folded(line.key + " | " + line.name));
+    return result;
+  }
+  std::string marker(const ExpectedTweak& tweak) const {
+    return fmt::format("HKLM\\SOFTWARE\\Korvex\\{}\\{}", kBanks.at(tweak.bank - 1), tweak.property);
+  }
+
+  // As a person: the control of the row, then Apply.
+  void operate(const ExpectedTweak& tweak, const Tweak& row, Step step) {
+    forms::FormBook& book = program_->formBook();
+    ASSERT_TRUE(book.knows(row.form)) << row.form << " is not registered";
+    forms::Form& form = book.load(row.form);
+    if (tweak.typed) {
+      auto* field = form.find<forms::TextBox>(row.control);
+      ASSERT_NE(nullptr, field) << row.control;
+      field->Text = tweak.typed->at(step);
+    } else {
+      auto* box = form.find<forms::CheckBox>(row.control);
+      ASSERT_NE(nullptr, box) << row.control;
+      const int wanted = step == Checked ? 1 : 0;
+      if (box->Value == wanted) box->Value = 1 - wanted;
+      box->Value = wanted;
+      EXPECT_TRUE(view_.hasKey(marker(tweak))) << "no marker " << marker(tweak);
+    }
+    form.find<forms::CommandButton>("cmdApply")->press();
+  }
+
+  void expectLines(const ExpectedTweak& tweak, const std::vector<std::string>& fresh, Step step) {
+    for (std::size_t i = 0; i < tweak.lines.size(); ++i) {
+      const ExpectedLine& line = tweak.lines[i];
+      const std::string& wanted = line.states.at(step);
+      EXPECT_EQ(wanted == "kept" ? fresh[i] : wanted, now(line)) << line.key << " | " << line.name;
+    }
+  }
+
+  void expectMessages(const ExpectedTweak& tweak, Step step) {
+    std::size_t wanted = 0;
+    if (step == Checked && tweak.says.empty() && tweak.answer) wanted = 1;
+    if (step == Checked && !tweak.says.empty()) {
+      wanted = 1;
+      EXPECT_TRUE(!prompts_.messages.empty() && prompts_.messages[0].text.starts_with(tweak.says));
+    }
+    EXPECT_EQ(wanted, prompts_.messages.size());
+    for (const auto& message : prompts_.messages) {
+      if (wanted == 0) ADD_FAILURE() << message.text;
+    }
+    EXPECT_TRUE(prompts_.answers.empty()) << "not asked";
+    prompts_.answers.clear();
+    prompts_.messages.clear();
+  }
+
+  void carryOut(const ExpectedTweak& tweak, const Tweak& row, Step step,
+                const std::vector<std::string>& fresh) {
+    SCOPED_TRACE(kStepNames.at(step));
+    foundation::Session& session = program_->session();
+    if (tweak.answer && step == Checked) {
+      prompts_.answers = {*tweak.answer ? platform::Answer::Yes : platform::Answer::No};
+    }
+    session.g_bRebootNeeded = !tweak.reboot.value_or(false);
+    if (step == ByDefault || row.shape == engine::ControlShape::None) {
+      session.g_bDefaulting = step == ByDefault;
+      EXPECT_TRUE(program_->regWorker().call(tweak.property));
+      session.g_bDefaulting = false;
+    } else {
+      operate(tweak, row, step);
+    }
+    expectLines(tweak, fresh, step);
+    expectMessages(tweak, step);
+    if (tweak.bank == 0) return;
+    EXPECT_EQ(tweak.reboot.value_or(session.g_bRebootNeeded), session.g_bRebootNeeded);
+    EXPECT_FALSE(view_.hasKey(marker(tweak)));
+    const bool on = std::ranges::all_of(tweak.lines, [&](const ExpectedLine& line) {
+      return line.states.at(step) == line.states[Checked];
+    });
+    EXPECT_EQ(on ? TweakState::Kind::On : TweakState::Kind::Off,
+              engine::readState(row, session).kind);
+  }
+
+  void sweep(const ExpectedTweak& tweak, const Tweak& row) {
+    std::vector<std::string> fresh;
+    for (const ExpectedLine& line : tweak.lines) fresh.push_back(now(line));
+    const auto before = neighbours(tweak);
+    // Off and on once more: what was kept is kept again.
+    for (const Step step : {Checked, Unchecked, Checked, ByDefault}) {
+      carryOut(tweak, row, step, fresh);
+      if (step == Checked) {
+        EXPECT_TRUE(program_->regWorker().call(tweak.property)) << "once more";
+        expectLines(tweak, fresh, step);
+        prompts_.messages.clear();
+      }
+      EXPECT_EQ(before, neighbours(tweak));
+    }
+  }
+
+  // Everything but the program's own area.
+  std::map<std::string, std::string> wholeRegistry() {
+    std::map<std::string, std::string> result;
+    view_.dump("HKCU", result);
+    view_.dump("HKLM", result);
+    std::map<std::string, std::string> foldedResult;
+    for (auto& [path, data] : result) {
+      const std::string name = folded(path);
+      if (!name.starts_with("hklm\\software\\korvex")) foldedResult[name] = data;
+    }
+    return foldedResult;
+  }
+  // Whether a line of the files tells of the key or value, or makes the key on its way.
+  bool isExpected(const std::string& path) const {
+    return std::ranges::any_of(expected_.tweaks, [&](const ExpectedTweak& tweak) {
+      return std::ranges::any_of(tweak.lines, [&](const ExpectedLine& line) {
+        std::string key = folded(line.key);
+        if (key.starts_with("hkcr")) key = "hklm\\software\\classes" + key.substr(4);
+        return path == key + " | " + folded(line.name) || key == path ||
+               key.starts_with(path + '\\');
+      });
+    });
+  }
+
+  test::TestMachine machine_;
+  test::ExpectedTweaks expected_;
+  test::RegistryView view_{machine_.registry()};
+  test::ScriptedPrompts prompts_;
+  std::unique_ptr<Program> program_;
+};
+
+TEST_P(EveryTweak, WritesWhatTheDocumentsSayAndNothingElse) {
+  // One change of the machine: six hundred flushes to the disk would take a minute.
+  platform::RegistryChange change(machine_.registry());
+  // Fields last: once edited, they are written by every Apply of the main window.
+  std::ranges::stable_partition(expected_.tweaks, [](const auto& tweak) { return !tweak.typed; });
+  const auto before = wholeRegistry();
+  for (const ExpectedTweak& tweak : expected_.tweaks) {
+    SCOPED_TRACE(tweak.property);
+    const Tweak* row = engine::findTweak(tweak.property);
+    if (row == nullptr) continue;  // the next test tells
+    const TweakState state = engine::readState(*row, program_->session());
+    const bool available = state.kind != TweakState::Kind::Unavailable;
+    EXPECT_EQ(tweak.available, available) << state.reason;
+    EXPECT_EQ(available, state.reason.empty());
+    if (available && tweak.available) sweep(tweak, *row);
+  }
+  auto after = wholeRegistry();
+  for (const auto& [path, data] : before) {
+    EXPECT_TRUE(after[path] == data || isExpected(path)) << path << " was " << data;
+    after.erase(path);
+  }
+  for (const auto& [path, data] : after) EXPECT_TRUE(isExpected(path)) << path << " is new";
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, EveryTweak,
+                         testing::Values(Sample{"windows-95", '5'}, Sample{"windows-98", '8'},
+                                         Sample{"windows-me", 'M'}, Sample{"windows-nt4", '4'},
+                                         Sample{"windows-2000", '2'},
+                                         Sample{"windows-2000-server", '2'}));
+
+TEST(ExpectedTweaks, NameEveryRowOfTheCatalogueOnce) {
+  std::multiset<std::string> expected;
+  for (const auto& tweak : expectedFor({"windows-98", '8'}).tweaks) {
+    expected.insert(tweak.property);
+  }
+  std::multiset<std::string> rows;
+  for (const Tweak* row : engine::allTweaks()) rows.emplace(row->property);
+  for (const auto& name : rows) EXPECT_EQ(1U, expected.count(name)) << name << " is not expected";
+  for (const auto& name : expected) EXPECT_EQ(1U, rows.count(name)) << name << " is no row";
+}
+
+}  // namespace
+}  // namespace korvex::program
