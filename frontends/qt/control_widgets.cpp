@@ -3,6 +3,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -132,9 +133,18 @@ QWidget* ControlWidgets::make(forms::Control& control, QWidget* parent) {
     case ControlKind::TabStrip:
       widget = makeTabBar(static_cast<forms::TabStrip&>(control), parent);
       break;
+    case ControlKind::Frame:  // one that no group of the layout was made for
+      return makeFrame(static_cast<forms::Frame&>(control), parent);
   }
   bindCommon(control, *widget);
   return widget;
+}
+
+QGroupBox* ControlWidgets::makeFrame(forms::Frame& frame, QWidget* parent) {
+  auto* group = new QGroupBox(parent);
+  bindings_.follow(frame.Caption, [&frame, group] { group->setTitle(toQt(frame.Caption.get())); });
+  bindCommon(frame, *group);
+  return group;
 }
 
 void ControlWidgets::bindCommon(forms::Control& control, QWidget& widget) {

@@ -10,6 +10,7 @@
 #include "qt/bindings.h"
 
 class QButtonGroup;
+class QGroupBox;
 class QTabWidget;
 
 namespace korvex::qt {
@@ -22,6 +23,8 @@ class ControlWidgets {
 
   // A widget for the control, as a child of the parent. A TabStrip made here is one without pages.
   QWidget* make(forms::Control& control, QWidget* parent);
+  // The group box of a Frame; the caller puts its parts in.
+  QGroupBox* makeFrame(forms::Frame& frame, QWidget* parent);
   // A TabStrip whose pages the caller adds, in order; bind it when they are there.
   QTabWidget* makePages(forms::TabStrip& strip, QWidget* parent);
   void bindPages(forms::TabStrip& strip, QTabWidget& widget);

@@ -207,14 +207,23 @@ QLayout* LayoutBuilder::makeFlow(const Part& part, QWidget* parent) {
 }
 
 QWidget* LayoutBuilder::makeGroup(const Part& part, QWidget* parent) {
-  auto* group = new QGroupBox(toQt(part.title), parent);
+  auto* frame = dynamic_cast<forms::Frame*>(part.control);
+  auto* group = frame == nullptr ? new QGroupBox(toQt(part.title), parent)
+                                 : widgets_.makeFrame(*frame, parent);
+  if (frame != nullptr) made_[frame] = group;
   group->setLayout(makeBox(part, group));
   // A frame around nothing would be a riddle.
-  const std::vector<Control*> controls = controlsOf(part);
-  const auto show = [group, controls] {
-    group->setVisible(controls.empty() || std::any_of(controls.begin(), controls.end(),
-                                                      [](Control* c) { return c->Visible.get(); }));
+  std::vector<Control*> controls;
+  for (const Part& inner : part.parts) {
+    for (Control* control : controlsOf(inner)) controls.push_back(control);
+  }
+  const auto show = [group, frame, controls] {
+    const bool wanted = frame == nullptr || frame->Visible;
+    group->setVisible(
+        wanted && (controls.empty() || std::any_of(controls.begin(), controls.end(),
+                                                   [](Control* c) { return c->Visible.get(); })));
   };
+  if (frame != nullptr) bindings_.on(frame->Visible.changed, show);
   for (Control* control : controls) bindings_.on(control->Visible.changed, show);
   show();
   return group;

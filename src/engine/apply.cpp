@@ -81,6 +81,11 @@ bool finishApply(foundation::Session& session, const std::vector<FailedRoutine>&
   return false;
 }
 
+std::string waitingText(int changes) {
+  if (changes == 0) return "no changes waiting";
+  return changes == 1 ? "1 change waiting" : fmt::format("{} changes waiting", changes);
+}
+
 bool mayDiscard(foundation::Session& session, int changes, std::string_view leaving) {
   if (changes == 0 || session.g_bNoShowConfirmation) return true;
   const std::string text =

@@ -30,6 +30,9 @@ std::string describeFailures(const std::vector<FailedRoutine>& failures);
 bool finishApply(foundation::Session& session, const std::vector<FailedRoutine>& failures,
                  const std::vector<std::string>& furtherTrouble = {});
 
+// "2 changes waiting": for status bars.
+std::string waitingText(int changes);
+
 // "1 change has not been applied. Leave Korvex and discard it?" True where that is fine: nothing
 // waits, the person says so, or wants no such questions.
 bool mayDiscard(foundation::Session& session, int changes, std::string_view leaving);

@@ -25,6 +25,8 @@ std::string_view kindName(ControlKind kind) {
       return "Label";
     case ControlKind::TabStrip:
       return "TabStrip";
+    case ControlKind::Frame:
+      return "Frame";
   }
   return "";
 }

@@ -19,6 +19,7 @@ enum class ControlKind {
   CommandButton,
   Label,
   TabStrip,
+  Frame,
 };
 
 // The word for a kind in lists for people and scripts: "CheckBox".

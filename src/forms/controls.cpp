@@ -105,6 +105,9 @@ Label::Label(Form& form, std::string name, std::string caption, Control* buddy)
 
 std::string Label::stateText() const { return plainCaption(Caption.get()); }
 
+Frame::Frame(Form& form, std::string name, std::string caption)
+    : Control(form, ControlKind::Frame, std::move(name), std::move(caption)) {}
+
 TabStrip::TabStrip(Form& form, std::string name, std::vector<Tab> tabs)
     : Control(form, ControlKind::TabStrip, std::move(name), ""), tabs_(std::move(tabs)) {
   SelectedItem.changed += [this] { Click.raise(); };

@@ -128,6 +128,14 @@ class Label : public Control {
   Control* buddy_;
 };
 
+// A titled frame around the parts of a group that is to be found by its name; what stands in it is
+// disabled and hidden with it.
+class Frame : public Control {
+ public:
+  Frame(Form& form, std::string name, std::string caption);
+  std::string stateText() const override { return ""; }
+};
+
 struct Tab {
   std::string caption;
   std::string key;

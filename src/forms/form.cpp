@@ -84,6 +84,8 @@ void FormBook::drop(Entry& entry) {
 }
 
 void FormBook::showModal(std::string_view name) {
+  Entry* known = entry(name);
+  if (known != nullptr && known->form && known->form->reloadsToShow()) drop(*known);
   Form& form = load(name);
   if (host_ == nullptr) return;
   host_->showModal(form);

@@ -45,6 +45,10 @@ class Form {
   virtual bool QueryUnload() { return true; }  // false keeps the form open
   virtual void Unload() {}
 
+  // Whether a form that was loaded without being shown is loaded afresh to be shown: what it read
+  // then may be old by now.
+  virtual bool reloadsToShow() const { return false; }
+
   // A form asks to be closed; FormBook (or the front end showing it) does it.
   void close() { closeRequested.raise(); }
 

@@ -25,7 +25,7 @@ struct Layout {
 
   Kind kind = Kind::Column;
   std::string title;           // Group
-  Control* control = nullptr;  // Control, Pages
+  Control* control = nullptr;  // Control, Pages; a Group that is a Frame
   int columns = 2;             // Grid
   std::vector<Layout> parts;
 

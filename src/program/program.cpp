@@ -4,6 +4,8 @@
 #include <array>
 #include <memory>
 
+#include "dialogs/frm_about.h"
+#include "dialogs/system/frm_more_security.h"
 #include "main_window/frm_main.h"
 
 namespace korvex::program {
@@ -12,7 +14,35 @@ namespace {
 using main_window::frmMain;
 
 constexpr std::string_view kMainWindow = frmMain::kName;
-constexpr std::array kForms{FormRow{kMainWindow, "The main window"}};
+
+// A dialog that is nothing but the rows of its bank.
+struct RowsDialog {
+  engine::Bank bank;
+  FormRow form;
+  const char* caption;
+};
+constexpr std::array kRowsDialogs{
+    RowsDialog{engine::Bank::WinTweaksII,
+               {"frmWinTweaksII", "Win Tweaks, continued"},
+               "Korvex...for Power Users - Win Tweaks II"},
+    RowsDialog{engine::Bank::NT4_Win2KCont,
+               {"frmNT4_Win2KCont", "NT4/Win2K, continued"},
+               "Korvex...for Power Users - NT4/Win2K continued"},
+    RowsDialog{engine::Bank::NTServer,
+               {"frmNTServer", "Server settings of NT"},
+               "Korvex...for Power Users -  NT Server"},
+    RowsDialog{engine::Bank::DrWat,
+               {"frmDrWat", "Dr. Watson of NT"},
+               "Korvex...for Power Users - Dr. Watson"},
+};
+
+constexpr std::array kForms{FormRow{kMainWindow, "The main window"},
+                            FormRow{dialogs::frmMoreSecurity::kName, "Further restrictions"},
+                            kRowsDialogs[0].form,
+                            kRowsDialogs[1].form,
+                            kRowsDialogs[2].form,
+                            kRowsDialogs[3].form,
+                            FormRow{dialogs::frmAbout::kName, "Version and machine"}};
 
 constexpr int kExitDone = 0;
 constexpr int kExitBusy = 4;
@@ -29,6 +59,20 @@ Program::Program(platform::Machine& machine, platform::Prompts& prompts, StartOp
   formBook_.add(std::string(kMainWindow), [this, options] {
     return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, formBook_, options);
   });
+  addDialogs({session_, regWorker_, pendingChanges_, options.askBeforeDiscarding});
+}
+
+void Program::addDialogs(const dialogs::DialogParts& parts) {
+  formBook_.add(dialogs::frmMoreSecurity::kName,
+                [parts] { return std::make_unique<dialogs::frmMoreSecurity>(parts); });
+  for (const RowsDialog& dialog : kRowsDialogs) {
+    formBook_.add(std::string(dialog.form.name), [parts, &dialog] {
+      return std::make_unique<dialogs::TweakDialog>(std::string(dialog.form.name), dialog.caption,
+                                                    dialog.bank, parts);
+    });
+  }
+  formBook_.add(dialogs::frmAbout::kName,
+                [this] { return std::make_unique<dialogs::frmAbout>(session_); });
 }
 
 Program::~Program() { formBook_.setHost(nullptr); }
@@ -41,7 +85,13 @@ StartResult Program::start() {
   return result;
 }
 
-bool Program::finish() { return formBook_.unload(kMainWindow); }
+bool Program::finish() {
+  // The main window goes last: the others record in keys that go with it.
+  for (const FormRow& form : kForms) {
+    if (form.name != kMainWindow && !formBook_.unload(form.name)) return false;
+  }
+  return formBook_.unload(kMainWindow);
+}
 
 int Program::run(forms::FormHost& host) {
   formBook_.setHost(&host);

@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 
+#include "dialogs/tweak_dialog.h"
 #include "engine/pending_changes.h"
 #include "engine/reg_worker.h"
 #include "forms/form_book.h"
@@ -50,6 +51,8 @@ class Program {
   engine::PendingChanges& pendingChanges() { return pendingChanges_; }
 
  private:
+  void addDialogs(const dialogs::DialogParts& parts);
+
   foundation::Session session_;
   forms::FormBook formBook_;
   engine::RegWorker regWorker_;

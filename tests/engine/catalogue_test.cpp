@@ -10,6 +10,7 @@
 #include <string>
 
 #include "engine/modes.h"
+#include "engine/reg_worker.h"
 #include "forms/control.h"
 
 namespace korvex::engine {
@@ -23,11 +24,28 @@ std::string lower(std::string_view text) {
 
 bool onAndOffDiffer(const Tweak& tweak) { return !(decide(tweak, 1, {}) == decide(tweak, 0, {})); }
 
-// Whether restore-defaults writes what a checked box writes; the integer's width does not matter.
+// Whether restore-defaults does what a checked box does; the integer's width does not matter.
 bool checkedIsDefault(const Tweak& tweak) {
-  const foundation::Variant on = decide(tweak, 1, {}).value;
-  const foundation::Variant byDefault = decideDefault(tweak).value;
-  return on.isEmpty() == byDefault.isEmpty() && foundation::looselyEqual(on, byDefault);
+  const Decision checked = decide(tweak, 1, {});
+  const Decision byDefault = decideDefault(tweak);
+  return checked.act == byDefault.act && checked.value.isEmpty() == byDefault.value.isEmpty() &&
+         foundation::looselyEqual(checked.value, byDefault.value);
+}
+
+// How its tool tip has to end.
+std::string toolTipEnding(const Tweak& tweak) {
+  std::string ending = "...default ";
+  if (tweak.special == &RegWorker::P_rwRestrictRegAccess) {
+    ending += "depends on the Windows";
+  } else if (tweak.shape == ControlShape::TextBox) {
+    ending += fmt::format("is {}", tweak.byDefault.text);
+  } else {
+    // Its routine restores the browser's own pictures.
+    const bool on = tweak.special == &RegWorker::p_rwToolbarBitmaps || checkedIsDefault(tweak);
+    ending += on ? "is checked" : "is unchecked";
+  }
+  if (tweak.reboot) ending += "...restart required";
+  return ending;
 }
 
 // The mnemonic in lower case; 0 for none.
@@ -44,13 +62,24 @@ char mnemonicOf(std::string_view caption) {
 class Unique {
  public:
   std::string add(const std::string& name, const Tweak& tweak) {
-    const auto [there, isNew] = seen_.try_emplace(lower(name), tweak.property);
+    const auto [there, isNew] = seen_.try_emplace(lower(name), &tweak);
     return isNew ? ""
-                 : fmt::format("{} is also that of {}: choose another one", name, there->second);
+                 : fmt::format("{} is also that of {}: choose another one", name,
+                               there->second->property);
+  }
+  // Rows that no Windows has both of may share a name.
+  std::string addForFamilies(const std::string& name, const Tweak& tweak) {
+    std::string message;
+    for (int family = 1; family < kEvery; family *= 2) {
+      if ((tweak.families & family) == 0) continue;
+      const std::string clash = add(fmt::format("{} ({})", name, family), tweak);
+      if (message.empty()) message = clash;
+    }
+    return message;
   }
 
  private:
-  std::map<std::string, std::string_view> seen_;
+  std::map<std::string, const Tweak*> seen_;
 };
 
 TEST(Catalogue, NamesAreUnique) {
@@ -58,13 +87,14 @@ TEST(Catalogue, NamesAreUnique) {
   for (const Tweak* tweak : allTweaks()) {
     SCOPED_TRACE(tweak->property);
     EXPECT_EQ("", properties.add(std::string(tweak->property), *tweak));
-    EXPECT_EQ("", controls.add(fmt::format("{}.{}", tweak->form, tweak->control), *tweak));
-    EXPECT_EQ(
-        "", values.add(fmt::format("{:x}\\{}\\{}", tweak->root, tweak->key, tweak->value), *tweak))
+    EXPECT_EQ("", values.addForFamilies(
+                      fmt::format("{:x}\\{}\\{}", tweak->root, tweak->key, tweak->value), *tweak))
         << "two rows write one value";
+    if (tweak->shape == ControlShape::None) continue;
+    EXPECT_EQ("", controls.add(fmt::format("{}.{}", tweak->form, tweak->control), *tweak));
     if (tweak->shape == ControlShape::TextBox) continue;  // nothing is recorded for a text
-    EXPECT_EQ("",
-              states.add(fmt::format("{}\\{}", stateKey(tweak->bank), tweak->stateName), *tweak));
+    EXPECT_EQ("", states.addForFamilies(
+                      fmt::format("{}\\{}", stateKey(tweak->bank), tweak->stateName), *tweak));
   }
 }
 
@@ -82,48 +112,58 @@ TEST(Catalogue, EveryRowSaysWhereItStandsAndWhatItWrites) {
     EXPECT_NE(0, tweak->families) << "name the Windows that have it";
     EXPECT_EQ(0, tweak->needsDesktopUpdate & ~tweak->families)
         << "only a Windows that has the setting can need the desktop update for it";
+    if (tweak->shape == ControlShape::None) {
+      EXPECT_TRUE(tweak->control.empty() && tweak->stateName.empty())
+          << "a row without a control has no state";
+      EXPECT_NE(nullptr, tweak->special) << "without a box only a routine of its own can run";
+      continue;
+    }
     EXPECT_FALSE(tweak->group.empty()) << "name the frame it stands in";
     const bool isText = tweak->shape == ControlShape::TextBox;
     EXPECT_TRUE(tweak->control.starts_with(isText ? "txt" : "chk"));
     EXPECT_EQ(isText, !tweak->buddy.empty()) << "a text box, and only that, has a label";
     EXPECT_EQ(isText, tweak->stateName.empty()) << "a check box, and only that, has a state value";
-    EXPECT_TRUE(isText || onAndOffDiffer(*tweak)) << "checked and unchecked write the same";
+    EXPECT_TRUE(isText || tweak->special != nullptr || onAndOffDiffer(*tweak))
+        << "checked and unchecked write the same";
   }
 }
 
 // "Removes Run from the Start menu...default is unchecked...restart required"
 TEST(Catalogue, CaptionsAndToolTipsKeepToTheirForm) {
   for (const Tweak* tweak : allTweaks()) {
+    if (tweak->shape == ControlShape::None) continue;
     SCOPED_TRACE(tweak->property);
     const std::string caption = forms::plainCaption(tweak->caption);
-    EXPECT_TRUE(caption.size() >= 5 && caption.size() <= 60) << "5 to 60 characters: " << caption;
+    // A tab page is narrow; the dialogs' widest captions were there first.
+    const std::size_t most = tweak->form == "frmMain" ? 60 : 80;
+    EXPECT_TRUE(caption.size() >= 5 && caption.size() <= most)
+        << "5 to " << most << " characters: " << caption;
     EXPECT_TRUE(std::isupper(static_cast<unsigned char>(caption[0])));
     EXPECT_LE(tweak->toolTip.size(), 160U) << "a tool tip is read at a glance";
-
-    std::string ending = "...default is ";
-    if (tweak->shape == ControlShape::TextBox) {
-      ending += tweak->byDefault.text;
-    } else {
-      ending += checkedIsDefault(*tweak) ? "checked" : "unchecked";
-    }
-    if (tweak->reboot) ending += "...restart required";
+    const std::string ending = toolTipEnding(*tweak);
     EXPECT_TRUE(tweak->toolTip.ends_with(ending)) << "end the tool tip with " << ending;
+    EXPECT_EQ(tweak->reboot, tweak->toolTip.find("restart required") != std::string_view::npos);
     EXPECT_GT(tweak->toolTip.size(), ending.size() + 10) << "say what the setting does";
   }
 }
 
 TEST(Catalogue, MnemonicsAreUniqueOnAPage) {
-  std::map<Page, std::map<char, std::string_view>> used;
+  // The captions of these dialogs are given, and share some letters.
+  std::map<std::string_view, int> shared{{"frmMoreSecurity", 11}, {"frmWinTweaksII", 1}};
+  std::map<std::pair<std::string_view, Page>, std::map<char, std::string_view>> used;
   for (const Tweak* tweak : allTweaks()) {
-    if (tweak->form != "frmMain") continue;
     const char mnemonic = mnemonicOf(tweak->caption);
     if (mnemonic == 0) continue;
-    const auto [there, isNew] = used[tweak->page].try_emplace(mnemonic, tweak->property);
-    EXPECT_TRUE(isNew) << tweak->property << " and " << there->second << " share '" << mnemonic
-                       << "': move or drop the &";
-    EXPECT_EQ(std::string_view::npos, std::string_view("abders").find(mnemonic))
+    const auto [there, isNew] =
+        used[{tweak->form, tweak->page}].try_emplace(mnemonic, tweak->property);
+    EXPECT_TRUE(isNew || shared[tweak->form]-- > 0)
+        << tweak->property << " and " << there->second << " share '" << mnemonic
+        << "': move or drop the &";
+    const std::string_view taken = tweak->form == "frmMain" ? "abders" : "ad";
+    EXPECT_EQ(std::string_view::npos, taken.find(mnemonic))
         << tweak->property << ": '" << mnemonic << "' belongs to the window's buttons";
   }
+  for (const auto& [form, left] : shared) EXPECT_EQ(0, left) << form << " shares fewer letters";
 }
 
 TEST(Catalogue, RowsAreFoundByAnyOfTheirNames) {

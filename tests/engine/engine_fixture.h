@@ -7,6 +7,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -39,7 +40,7 @@ class RowForm : public forms::Form {
  public:
   explicit RowForm(const std::string& name) : Form(name, name) {
     for (const Tweak* tweak : allTweaks()) {
-      if (tweak->form != name) continue;
+      if (tweak->form != name || tweak->shape == ControlShape::None) continue;
       if (tweak->shape == ControlShape::TextBox) {
         own<forms::TextBox>(std::string(tweak->control));
       } else {
@@ -63,7 +64,9 @@ class EngineTest : public testing::Test {
         pending(session, book) {
     foundation::detectSystem(session);
     session.pd.RecentPath = "C:\\Recent";
-    for (const char* form : {"frmMain", "frmDrWat", "frmOffice", "frmSpare"}) {
+    std::set<std::string> forms{"frmOffice", "frmSpare"};
+    for (const Tweak* tweak : allTweaks()) forms.emplace(tweak->form);
+    for (const std::string& form : forms) {
       book.add(form, [form] { return std::make_unique<RowForm>(form); });
     }
     if (state == State::Started) start();
@@ -143,6 +146,7 @@ class EngineTest : public testing::Test {
   }
   // What a routine would find in its control.
   void put(const Tweak& tweak, int value) {
+    if (tweak.shape == ControlShape::None) return;
     if (tweak.shape == ControlShape::TextBox) {
       mainForm().find<forms::TextBox>(tweak.control)->Text = value == 1 ? "65" : "400";
     } else {

@@ -24,10 +24,12 @@ void expectInverse(EngineTest& test) {
   test.createKey(HKLM, "Software\\CLASSES\\AudioCD\\shell");
   for (const Tweak* tweak : allTweaks()) {
     SCOPED_TRACE(tweak->property);
+    if (tweak->shape == ControlShape::None) continue;
     if (availability(*tweak, test.session).kind == Kind::Unavailable) continue;
     test.putFile(test.session.g_sAppPath + "\\kvxsup.exe", "program");
     for (const int value : {1, 0, 1}) {
       test.put(*tweak, value);
+      if (tweak->ask != nullptr && value == 1) test.prompts.answers = {platform::Answer::Yes};
       EXPECT_TRUE(test.worker.call(tweak->property));
       if (tweak->shape == ControlShape::TextBox) {
         EXPECT_EQ(value == 1 ? "65" : "400", readText(*tweak, test.session));
@@ -85,6 +87,9 @@ TEST_F(ReadersTest, WhatAWindowsDoesNotHaveIsUnavailableWithTheReason) {
   const TweakState state = readState(*findTweak("P_rwDefrag"), session);
   EXPECT_EQ(Kind::Unavailable, state.kind);
   EXPECT_EQ("This setting exists only on Windows 95, 98 and Millennium.", state.reason);
+  EXPECT_EQ("Needs the logon dialog of Windows (msgina.dll).",
+            readState(*findTweak("P_rwDisableTaskMgr"), session).reason);
+  putFile(session.g_sWinSysDir + "msgina.dll", "gina");
   EXPECT_EQ(Kind::Off, stateOf("P_rwDisableTaskMgr"));
 
   session.g_eOS = foundation::Os::Windows95;
@@ -129,7 +134,7 @@ TEST_F(ReadersTest, ReadingIntoAFormSetsItsControlsAndStoresTheStates) {
   EXPECT_FALSE(defrag.Enabled);
   EXPECT_NE(std::string::npos, defrag.ToolTipText->find("only on Windows 95"));
   EXPECT_EQ("", value(HKLM, kState, "Defrag")) << "nothing is read where it does not exist";
-  EXPECT_TRUE(session.trace.contains("[p_DetermineRun]"));
+  EXPECT_TRUE(session.trace.contains("[p_DetermineExplorerPolicies]"));
   EXPECT_EQ(100, steps.back());
 
   // Nothing but the state values, and of the options not even those.
@@ -157,7 +162,7 @@ TEST_F(ReadersTest, AKeyThatRowsShareIsOpenedOnce) {
   StateReader reader(countingSession);
   int rows = 0;
   for (const Tweak* tweak : allTweaks()) {
-    if (tweak->key != kExplorer) continue;
+    if (tweak->key != kExplorer || tweak->reader != nullptr) continue;
     reader.state(*tweak);
     ++rows;
   }

@@ -30,7 +30,9 @@ constexpr std::string_view kDebugger = "Dr. Watson";
 
 // On a workstation anybody may shut down; a server waits for somebody it knows.
 void defaultByProduct(Tweak& row, foundation::Session& session) {
-  row.byDefault = text(session.g_bServer ? "0" : "1");
+  if (!session.g_bServer) return;
+  row.byDefault = text("0");
+  row.toolTip = "Lets Windows be shut down before logon...default is unchecked";
 }
 
 // Outlook keeps its options under the Office that it came with.
@@ -288,7 +290,7 @@ constexpr std::array kNt4Win2K{
           .byDefault = dword(0),
           .reboot = true,
           .bank = Bank::NT4_Win2KCont,
-          .stateName = "PaintDesktopVersionNT5",
+          .stateName = "PaintDesktopVersion",
           .form = "frmNT4_Win2KCont",
           .control = "chkPaintVersionNT5",
           .page = Page::NT4Win2K,
@@ -532,7 +534,7 @@ constexpr std::array kDrWat{
         .control = "chkAppendToLogFile",
         .page = Page::NT4Win2K,
         .group = kDebugger,
-        .caption = "A&dd to the log file instead of replacing it",
+        .caption = "Add to the &log file instead of replacing it",
         .toolTip = "Keeps the reports of earlier failures...default is checked...restart required",
         .families = kNT,
         .special = &RegWorker::P_rwAppendToLogFile},

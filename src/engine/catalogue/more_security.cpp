@@ -1,4 +1,5 @@
-// Restrictions of frmMoreSecurity: all are policies of the user but two of the machine.
+// Restrictions of frmMoreSecurity: all are policies of the user but two of the machine. The rows
+// stand in the dialog's order; those of one frame need not be neighbours.
 #include <array>
 
 #include "engine/catalogue/rows.h"
@@ -165,15 +166,6 @@ constexpr std::array kRows{
                                   "Hide Acti&ve Desktop item from Start/Settings menu",
                                   "Hides Active Desktop...default is unchecked")),
     afterRestart(
-        withDesktopUpdate(kWin95, restriction("P_rwEnforceShellExtensionSecurity", kPoliciesSystem,
-                                              "EnforceShellExtensionSecurity", "chkShellExtensions",
-                                              kSystem, "Use approved shell &extensions only",
-                                              "Loads only the extensions that are on the "
-                                              "list...default is unchecked...restart required"))),
-    restriction("P_rwDisableRegistryTools", kPoliciesSystem, "DisableRegistryTools",
-                "chkNoRegistryTools", kSystem, "Disable re&gistry editing tools",
-                "Keeps the registry editor from being opened...default is unchecked"),
-    afterRestart(
         adminShares(restriction("P_rwNoAdminShares", kServer, "NoAdminShares", "chkNoAdminShares",
                                 kNetwork, "Permanently remove hidden default admin shares",
                                 "Makes no shares like C$ when the server starts...default is "
@@ -184,13 +176,6 @@ constexpr std::array kRows{
     only(k9x, restriction("P_rwNoFileSharingControl", kPoliciesNetwork, "NoFileSharingControl",
                           "chkNoFileSharingControl", kNetwork, "Disable &file/folder sharing",
                           "Hides the controls that share folders...default is unchecked")),
-    restriction("P_rwNoWorkgroupContents", kPoliciesNetwork, "NoWorkgroupContents",
-                "chkNoWorkgroupContents", kNetwork,
-                "Hide &workgroup contents in Network Neighborhood",
-                "Shows no computers of the workgroup...default is unchecked"),
-    restriction("P_rwNoEntireNetwork", kPoliciesNetwork, "NoEntireNetwork", "chkNoEntireNetwork",
-                kNetwork, "Hide 'Entire &Network' in Network Neighborhood",
-                "Shows only the own workgroup...default is unchecked"),
     afterRestart(
         restriction("P_rwNoDeletePrinter", kPoliciesExplorer, "NoDeletePrinter",
                     "chkNoDeletePrinter", kNetwork, "Disable prin&ter removal",
@@ -199,6 +184,22 @@ constexpr std::array kRows{
         restriction("P_rwNoAddPrinter", kPoliciesExplorer, "NoAddPrinter", "chkNoAddPrinter",
                     kNetwork, "Disable Add P&rinter",
                     "Keeps printers from being added...default is unchecked...restart required")),
+    afterRestart(
+        withDesktopUpdate(kWin95, restriction("P_rwEnforceShellExtensionSecurity", kPoliciesSystem,
+                                              "EnforceShellExtensionSecurity", "chkShellExtensions",
+                                              kSystem, "Use approved shell &extensions only",
+                                              "Loads only the extensions that are on the "
+                                              "list...default is unchecked...restart required"))),
+    restriction("P_rwNoWorkgroupContents", kPoliciesNetwork, "NoWorkgroupContents",
+                "chkNoWorkgroupContents", kNetwork,
+                "Hide &workgroup contents in Network Neighborhood",
+                "Shows no computers of the workgroup...default is unchecked"),
+    restriction("P_rwNoEntireNetwork", kPoliciesNetwork, "NoEntireNetwork", "chkNoEntireNetwork",
+                kNetwork, "Hide 'Entire &Network' in Network Neighborhood",
+                "Shows only the own workgroup...default is unchecked"),
+    restriction("P_rwDisableRegistryTools", kPoliciesSystem, "DisableRegistryTools",
+                "chkNoRegistryTools", kSystem, "Disable re&gistry editing tools",
+                "Keeps the registry editor from being opened...default is unchecked"),
     restriction("P_rwNoDispScrSavPage", kPoliciesSystem, "NoDispScrSavPage", "chkNoCPScreenSaver",
                 kDisplay, "Hide Display applet '&Screen Saver' tab",
                 "Hides the tab in Control Panel...default is unchecked"),

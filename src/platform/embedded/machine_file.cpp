@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <cctype>
 #include <charconv>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -161,6 +162,10 @@ void readTables(const Fields& root, MachineFile& machine) {
     machine.fileVersions[foldName(path)] = fileVersion(Fields(value, "fileVersions." + path));
   }
   for (const auto& [drive, value] : root.optional("fileSystems", Json::value_t::object).items()) {
+    const bool letter =
+        drive.size() == 1 && std::isalpha(static_cast<unsigned char>(drive[0])) != 0;
+    if (!letter)
+      throw Fault("fileSystems." + drive + " must be named for a drive letter like \"C\"");
     machine.fileSystems[foldName(drive)] = textOf(value, "fileSystems." + drive);
   }
   for (const auto& value : root.optional("openWindows", Json::value_t::array)) {

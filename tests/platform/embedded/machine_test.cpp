@@ -39,6 +39,8 @@ TEST(MachineFile, EachFaultIsToldWithFileAndField) {
       {"5.0.2195.1", "5.0.2195.1.7", "kernel32.dll.version must be four numbers"},
       {"\"class\": \"OpusApp\"", "\"klass\": \"OpusApp\"", "openWindows.class is missing"},
       {"\"openWindows\": [", "\"openWindows\": 7, \"x\": [", "openWindows must be a list"},
+      {"\"openWindows\"", "\"fileSystems\": {\"System\": \"NTFS\"}, \"openWindows\"",
+       "fileSystems.System must be named for a drive letter"},
       {"{", "[", "this is not JSON"},
   };
   for (const Fault& fault : faults) {

@@ -1,0 +1,44 @@
+// Filling the labels.
+#include "dialogs/frm_about.h"
+
+#include <fmt/format.h>
+
+#include <string>
+#include <string_view>
+
+namespace korvex::dialogs {
+namespace {
+
+using forms::Layout;
+
+// A name may hold what would mark a mnemonic.
+std::string plain(std::string_view text) {
+  std::string result;
+  for (const char c : text) result += c == '&' ? std::string("&&") : std::string(1, c);
+  return result;
+}
+
+}  // namespace
+
+frmAbout::frmAbout(foundation::Session& session) : Form(kName, "About Korvex"), session_(session) {
+  lblVersion.Caption = "Version " KORVEX_VERSION;
+  lblPurpose.Caption = "Tunes Windows 95, 98, Millennium, NT 4 and 2000.";
+  cmdOK.Click += [this] { close(); };
+  layout =
+      Layout::column({Layout::group("Program", {Layout::of(lblProgram), Layout::of(lblVersion),
+                                                Layout::of(lblPurpose), Layout::of(lblLicence)}),
+                      Layout::group("Machine", {Layout::of(lblMachine), Layout::of(lblUser),
+                                                Layout::of(lblFolder), Layout::of(lblLog)}),
+                      Layout::row({Layout::space(), Layout::of(cmdOK)})});
+}
+
+void frmAbout::Load() {
+  const platform::MachineDescription machine = session_.machine().describe();
+  lblMachine.Caption = plain(fmt::format("{}, version {}", machine.windows, machine.version));
+  lblUser.Caption = plain(fmt::format("User {} on {}", machine.user, machine.computer));
+  lblFolder.Caption = plain(fmt::format("Folder: {}", machine.folder));
+  lblLog.Caption = plain(fmt::format("Settings: HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex; log: {}",
+                                     session_.g_sAppPath + "\\kvxlog.log"));
+}
+
+}  // namespace korvex::dialogs

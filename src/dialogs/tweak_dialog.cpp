@@ -1,0 +1,123 @@
+// The dialog's life and its handlers.
+#include "dialogs/tweak_dialog.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "engine/readers.h"
+#include "foundation/error_handler.h"
+
+namespace korvex::dialogs {
+
+using forms::Layout;
+
+namespace {
+
+Layout* groupOf(Layout& layout, std::string_view title) {
+  if (layout.kind == Layout::Kind::Group && layout.title == title) return &layout;
+  for (Layout& part : layout.parts) {
+    if (Layout* group = groupOf(part, title)) return group;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+TweakDialog::TweakDialog(std::string name, std::string caption, engine::Bank bank,
+                         const DialogParts& parts)
+    : Form(std::move(name), std::move(caption)), parts_(parts), bank_(bank), controls_(*this) {
+  cmdApply.ToolTipText = "Write the changes to the machine";
+  cmdDone.ToolTipText = "Close this window; changes that were not applied are discarded";
+  cmdApply.Enabled = false;
+  layout =
+      Layout::column({Layout::flow(controls_.groups()), Layout::space(),
+                      Layout::row({Layout::space(), Layout::of(cmdApply), Layout::of(cmdDone)})});
+  for (const engine::TweakControl& entry : controls_.all()) connect(entry);
+  cmdApply.Click += [this] { trap("cmdApply_Click", [this] { cmdApply_Click(); }); };
+  cmdDone.Click += [this] { close(); };
+  changed_ = parts_.pending.changed.subscribe([this] { showStatus(); });
+}
+
+void TweakDialog::connect(const engine::TweakControl& entry) {
+  auto* box = dynamic_cast<forms::CheckBox*>(entry.control);
+  if (box == nullptr) return;
+  const engine::Tweak& tweak = *entry.tweak;
+  box->Click += [this, box, &tweak] {
+    if (reverting_) return;
+    trap(box->name() + "_Click", [this, box, &tweak] {
+      if (!parts_.session.g_bNoRecord && !accepts(tweak, *box)) {
+        reverting_ = true;
+        box->Value = box->Value == forms::vbChecked ? forms::vbUnchecked : forms::vbChecked;
+        reverting_ = false;
+        return;
+      }
+      parts_.pending.p_SetForApply(*box, tweak.stateName, tweak.property, static_cast<int>(bank_),
+                                   false);
+    });
+  };
+}
+
+void TweakDialog::trap(const std::string& routine, const std::function<void()>& handler) {
+  foundation::guarded(parts_.session, fmt::format("{}.{}", name(), routine), handler);
+}
+
+void TweakDialog::Load() {
+  // The main window may be filling its own controls when it needs this one.
+  const bool noRecord = std::exchange(parts_.session.g_bNoRecord, true);
+  trap("Form_Load", [this] {
+    engine::readIntoForm(*this, parts_.session, [this](int percent) { Progress = percent; });
+  });
+  disableFrames();
+  parts_.session.g_bNoRecord = noRecord;
+  Progress = -1;
+  cmdApply.Enabled = changesWaiting() > 0;
+  showStatus();
+}
+
+void TweakDialog::enclose(forms::Frame& frame) {
+  Layout* group = groupOf(layout, frame.Caption.get());
+  if (group == nullptr) throw std::logic_error(name() + " has no group " + frame.Caption.get());
+  group->control = &frame;
+  frames_.push_back(&frame);
+}
+
+void TweakDialog::disableFrames() {
+  for (forms::Frame* frame : frames_) {
+    const std::vector<Layout>& parts = groupOf(layout, frame->Caption.get())->parts;
+    const auto usable = [](const Layout& part) { return part.control->Enabled.get(); };
+    if (parts.empty() || std::ranges::any_of(parts, usable)) continue;
+    frame->ToolTipText = parts.front().control->ToolTipText.get();
+    frame->Enabled = false;
+  }
+}
+
+void TweakDialog::cmdApply_Click() {
+  parts_.session.trace.enter(fmt::format("[{}.cmdApply]", name()));
+  Busy = true;
+  const auto failures = engine::applyBank(bank_, parts_.session, parts_.pending, parts_.regWorker);
+  cmdApply.Enabled = false;
+  Busy = false;
+  if (!engine::finishApply(parts_.session, failures)) cmdApply.Enabled = changesWaiting() > 0;
+}
+
+bool TweakDialog::QueryUnload() {
+  return parts_.session.endRequested() || !parts_.askBeforeDiscarding ||
+         engine::mayDiscard(parts_.session, changesWaiting(), "Close this window");
+}
+
+// A marker that stayed would be carried out by a later Apply, with a box that says otherwise.
+void TweakDialog::Unload() {
+  if (changesWaiting() > 0) parts_.pending.discard(bank_);
+}
+
+int TweakDialog::changesWaiting() const {
+  return static_cast<int>(parts_.pending.waiting(bank_).size());
+}
+
+void TweakDialog::showStatus() { StatusText = engine::waitingText(changesWaiting()); }
+
+}  // namespace korvex::dialogs
