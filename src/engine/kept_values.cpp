@@ -98,7 +98,10 @@ Status forget(Session& session, std::string path, const std::string& top) {
 
 std::string keptKey(const Session& session, const Tweak& tweak, Root root) {
   if (root != HKCU) return fmt::format("{}\\{}", kPrevious, tweak.property);
-  return fmt::format("{}\\{}\\{}", kPrevious, session.g_sCurrentUser, tweak.property);
+  // Somebody who gave no name at the logon box works with the settings of all such.
+  const std::string_view user =
+      session.g_sCurrentUser.empty() ? std::string_view(".DEFAULT") : session.g_sCurrentUser;
+  return fmt::format("{}\\{}\\{}", kPrevious, user, tweak.property);
 }
 
 bool isKept(Session& session, const Tweak& tweak, Root root, std::string_view key,
@@ -114,13 +117,14 @@ bool isKept(Session& session, const Tweak& tweak, Root root, std::string_view ke
 }
 
 Status keepValue(Session& session, const Tweak& tweak, Root root, std::string_view key,
-                 std::string_view name, const Variant& onValue) {
+                 std::string_view name, const Variant* onValue) {
   if (isKept(session, tweak, root, key, name)) return ERROR_SUCCESS;
   RawValue present;
   const Status status = readRawValue(session.registry(), root, key, name, present);
   if (missingIsFine(status) != ERROR_SUCCESS) return status;
   const bool there = status == ERROR_SUCCESS;
-  if (there ? holds(present, onValue) : onValue.isEmpty()) return ERROR_SUCCESS;
+  const bool isOwn = onValue != nullptr && (there ? holds(present, *onValue) : onValue->isEmpty());
+  if (isOwn) return ERROR_SUCCESS;
   return writeRaw(session, HKLM, keptKey(session, tweak, root),
                   there ? keptName(key, name) : absentName(key, name), present);
 }

@@ -18,10 +18,11 @@ namespace korvex::engine {
 // Where the tweak's values of that root are kept.
 std::string keptKey(const foundation::Session& session, const Tweak& tweak, Root root);
 
-// Does nothing where something is kept already, or where the value is the tweak's own onValue.
+// Does nothing where something is kept already, or where the value is the tweak's own onValue
+// (null: it never is).
 platform::Status keepValue(foundation::Session& session, const Tweak& tweak, Root root,
                            std::string_view key, std::string_view name,
-                           const foundation::Variant& onValue);
+                           const foundation::Variant* onValue);
 
 // Puts the value back with the type and the bytes that it had, and forgets it.
 platform::Status putBackValue(foundation::Session& session, const Tweak& tweak, Root root,

@@ -185,7 +185,7 @@ bool RegWorker::removeTree(Root root, std::string_view key) {
 
 bool RegWorker::keepPrevious(const Tweak& tweak, Root root, std::string_view key,
                              std::string_view name, const Variant& onValue) {
-  return keep(keepValue(session_, tweak, root, key, name, onValue));
+  return keep(keepValue(session_, tweak, root, key, name, &onValue));
 }
 
 bool RegWorker::putBackPrevious(const Tweak& tweak, Root root, std::string_view key,

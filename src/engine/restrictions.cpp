@@ -81,8 +81,11 @@ TweakState p_DetermineNoAdminShares(const Tweak&, Session& session) {
 bool RegWorker::P_rwNoLogOff(const Tweak& tweak) {
   session_.trace.enter("[P_rwNoLogOff]");
   if (wantsOn(tweak)) {
-    return write(tweak.root, tweak.key, tweak.value, kOn) &&
-           keepPrevious(tweak, HKCU, kAdvanced, kStartMenuLogoff, kOff) &&
+    // The other value says nothing about who set it: it is the policy that tells.
+    const bool wasOn = isThere(session_, tweak.root, tweak.key, tweak.value, kOn);
+    return (wasOn ||
+            keep(keepValue(session_, tweak, HKCU, kAdvanced, kStartMenuLogoff, nullptr))) &&
+           write(tweak.root, tweak.key, tweak.value, kOn) &&
            write(HKCU, kAdvanced, kStartMenuLogoff, kOff) && finishSpecial(tweak);
   }
   return remove(tweak.root, tweak.key, tweak.value) &&
