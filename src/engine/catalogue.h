@@ -6,7 +6,7 @@
 //      page, group, caption, tool tip, and the Windows that have it.
 //   3. If the mode table cannot say what it writes, give it a special member of RegWorker; if its
 //      state is more than one value, a reader. Both are rare.
-//   4. Add what it writes, checked and unchecked, to the golden file of its page.
+//   4. Write down what it is to write, from the documents, in tests/program/expected/.
 // Routine, reader, check box, command line and manual follow from the row.
 #pragma once
 

@@ -233,7 +233,7 @@ class EveryTweak : public testing::TestWithParam<Sample> {
 };
 
 TEST_P(EveryTweak, WritesWhatTheDocumentsSayAndNothingElse) {
-  // One change of the machine: six hundred flushes to the disk would take a minute.
+  // One change of the machine, or thousands of small ones would each wait for the disk.
   platform::RegistryChange change(machine_.registry());
   // Fields last: once edited, they are written by every Apply of the main window.
   std::ranges::stable_partition(expected_.tweaks, [](const auto& tweak) { return !tweak.typed; });
