@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "program/open_machine.h"
 #include "program/program.h"
@@ -28,14 +30,22 @@ struct Options {
   std::string machine;
   std::string look;
   std::string screenshot;
+  std::string form;
 };
 
 void describe(CLI::App& app, Options& options) {
   app.add_option("--machine", options.machine, "The machine's folder")->envname("KORVEX_MACHINE");
   app.add_option("--style", options.look,
                  "How windows look: \"windows\" is the classic look; default: the desktop's own");
-  // For documentation: shows the main window, saves a picture of it and leaves.
-  app.add_option("--screenshot", options.screenshot, "")->group("");
+  // For documentation: shows a window, the main one where none is named, saves a picture of it and
+  // leaves.
+  auto* screenshot = app.add_option("--screenshot", options.screenshot, "")->group("");
+  std::set<std::string> forms;
+  for (const program::FormRow& row : program::Program::forms()) forms.emplace(row.name);
+  app.add_option("--form", options.form, "")
+      ->group("")
+      ->needs(screenshot)
+      ->check(CLI::IsMember(std::move(forms), CLI::ignore_case));
   app.set_version_flag("--version", "korvex " KORVEX_VERSION);
 }
 
@@ -66,15 +76,22 @@ int runOn(platform::Machine& machine, const Options& options) {
   QtPrompts prompts;
   prompts.setFiles(machine.files());
   QtHost host;
+  program::Program program(machine, prompts);
   bool saved = true;
   if (!options.screenshot.empty()) {
+    // A dialog is shown from the main window, as ever.
     host.onShown = [&](FormView& view) {
       QApplication::processEvents();
-      saved = view.grab().save(toQt(options.screenshot), "PNG");
+      const bool isMain = view.parentWidget() == nullptr;
+      if (isMain && !options.form.empty() && options.form != view.form().name()) {
+        program.formBook().showModal(options.form);
+      } else {
+        saved = view.grab().save(toQt(options.screenshot), "PNG");
+      }
       view.close();
     };
   }
-  const int code = program::Program(machine, prompts).run(host);
+  const int code = program.run(host);
   if (!saved) std::cerr << "korvex-gui: could not write " << options.screenshot << '\n';
   return saved ? code : kFailed;
 }

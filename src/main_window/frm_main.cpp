@@ -54,11 +54,6 @@ std::string machineText(platform::Machine& machine) {
   return folder.filename().string() + "  |  " + description.windows;
 }
 
-std::string countText(int changes) {
-  if (changes == 0) return "no changes waiting";
-  return changes == 1 ? "1 change waiting" : fmt::format("{} changes waiting", changes);
-}
-
 }  // namespace
 
 frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
@@ -229,7 +224,7 @@ int frmMain::changesWaiting() const {
 
 void frmMain::showStatus() {
   if (startResult_ != StartResult::Started || session_.g_bNoRecord) return;
-  StatusText = machineText_ + "  |  " + countText(changesWaiting());
+  StatusText = machineText_ + "  |  " + engine::waitingText(changesWaiting());
 }
 
 }  // namespace korvex::main_window

@@ -81,7 +81,13 @@ StartResult Program::start() {
   const auto& mainWindow = dynamic_cast<const frmMain&>(formBook_.load(kMainWindow));
   StartResult result = mainWindow.startResult();
   if (result == StartResult::Started && session_.endRequested()) result = StartResult::Failed;
-  if (result != StartResult::Started) finish();
+  if (result != StartResult::Started) {
+    finish();
+    return result;
+  }
+  // What a run that never ended left in the dialogs' banks: nobody remembers having clicked it.
+  pendingChanges_.discard(engine::Bank::MoreSecurity);
+  for (const RowsDialog& dialog : kRowsDialogs) pendingChanges_.discard(dialog.bank);
   return result;
 }
 

@@ -18,6 +18,7 @@
 #include <map>
 #include <utility>
 
+#include "engine/catalogue.h"
 #include "qt/text.h"
 
 namespace korvex::test {
@@ -37,6 +38,11 @@ struct Placed {
   Path path;  // from the outermost part of the layout
 };
 
+struct MnemonicOwner {
+  std::string name;
+  bool given;
+};
+
 class PageCheck {
  public:
   PageCheck(qt::FormView& view, std::string page, std::vector<std::string>& complaints)
@@ -45,7 +51,8 @@ class PageCheck {
   // Pages: the index of the page that is shown.
   void collect(const Part& part, int pageShown, Path path = {}) {
     path.push_back(&part);
-    if (part.control != nullptr) addControl(*part.control, path);
+    // A frame lies around its controls: checkGroups looks at it.
+    if (part.control != nullptr && part.kind != Kind::Group) addControl(*part.control, path);
     if (part.kind == Kind::Pages) return collect(part.parts.at(pageShown), pageShown, path);
     for (const Part& inner : part.parts) collect(inner, pageShown, path);
   }
@@ -177,7 +184,8 @@ class PageCheck {
     for (const Placed& placed : placed_) {
       const auto* label = dynamic_cast<const forms::Label*>(placed.control);
       if (label != nullptr && label->buddy() == nullptr) continue;
-      takeMnemonic(qt::toQt(placed.control->Caption.get()), placed.control->name());
+      takeMnemonic(qt::toQt(placed.control->Caption.get()), placed.control->name(),
+                   isGiven(*placed.control));
       if (const auto* strip = dynamic_cast<const forms::TabStrip*>(placed.control)) {
         for (const forms::Tab& tab : strip->tabs()) {
           takeMnemonic(qt::toQt(tab.caption), "the tab " + tab.caption);
@@ -190,11 +198,19 @@ class PageCheck {
     }
   }
 
-  void takeMnemonic(const QString& text, const std::string& owner) {
+  // Whether the caption is the product's own, in a dialog that has more boxes than there are
+  // letters: such boxes may share one, which then goes from one to the next.
+  bool isGiven(const Control& control) const {
+    const std::string& form = view_.form().name();
+    return form != "frmMain" && engine::findTweakOf(form, control.name()) != nullptr;
+  }
+
+  void takeMnemonic(const QString& text, const std::string& owner, bool given = false) {
     const QString keys = QKeySequence::mnemonic(text).toString();
     if (keys.isEmpty()) return;
-    const auto [known, isNew] = mnemonics_.emplace(keys, owner);
-    if (!isNew) complain(known->second + " and " + owner + " both have " + keys.toStdString());
+    const auto [known, isNew] = mnemonics_.emplace(keys, MnemonicOwner{owner, given});
+    if (isNew || (given && known->second.given)) return;
+    complain(known->second.name + " and " + owner + " both have " + keys.toStdString());
   }
 
   std::vector<const Placed*> inTabOrder() const {
@@ -251,7 +267,7 @@ class PageCheck {
   std::string page_;
   std::vector<std::string>& complaints_;
   std::vector<Placed> placed_;
-  std::map<QString, std::string> mnemonics_;
+  std::map<QString, MnemonicOwner> mnemonics_;
 };
 
 const Part* findPages(const Part& part) {
