@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "engine/same_name.h"
+#include "foundation/fix_path.h"
 
 namespace korvex::engine {
 
@@ -19,8 +20,9 @@ constexpr std::string_view kAppPaths = "SOFTWARE\\Microsoft\\Windows\\CurrentVer
 platform::FileVersion explorerVersion(Session& session) {
   platform::FileVersion version;
   platform::SystemInfo& system = session.machine().systemInfo();
-  const std::string file = system.ExpandEnvironmentStringsA(
-      session.regTool.GetRegStr(std::string(kAppPaths) + "IEXPLORE.EXE", "", HKLM));
+  const std::string file = foundation::P_FixPathGen(
+      session.trace, system.ExpandEnvironmentStringsA(session.regTool.GetRegStr(
+                         std::string(kAppPaths) + "IEXPLORE.EXE", "", HKLM)));
   if (file.empty() || system.GetFileVersionInfoA(file, version) != platform::ERROR_SUCCESS) {
     return {};
   }

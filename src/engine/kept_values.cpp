@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <utility>
 #include <vector>
 
 #include "engine/raw_value.h"
@@ -27,6 +28,26 @@ std::string keptName(std::string_view key, std::string_view name) {
 }
 std::string absentName(std::string_view key, std::string_view name) {
   return fmt::format("-{}\\{}", key, name);
+}
+
+// What is kept of a value.
+struct Record {
+  std::string name;  // "" where nothing is kept
+  bool wasThere = false;
+  RawValue value;
+};
+
+Status findRecord(Session& session, const Tweak& tweak, Root root, std::string_view key,
+                  std::string_view name, Record& record) {
+  const std::string from = keptKey(session, tweak, root);
+  for (const bool wasThere : {true, false}) {
+    std::string candidate = wasThere ? keptName(key, name) : absentName(key, name);
+    const Status status = readRawValue(session.registry(), HKLM, from, candidate, record.value);
+    if (status == ERROR_FILE_NOT_FOUND) continue;
+    if (status == ERROR_SUCCESS) record = {std::move(candidate), wasThere, record.value};
+    return status;
+  }
+  return ERROR_SUCCESS;
 }
 
 Status writeRaw(Session& session, Root root, std::string_view path, std::string_view name,
@@ -106,21 +127,18 @@ std::string keptKey(const Session& session, const Tweak& tweak, Root root) {
 
 bool isKept(Session& session, const Tweak& tweak, Root root, std::string_view key,
             std::string_view name) {
-  const platform::OpenKey from(session.registry(), HKLM, keptKey(session, tweak, root),
-                               platform::KEY_QUERY_VALUE);
-  if (from.status() != ERROR_SUCCESS) return false;
-  RawValue value;
-  return readRawValue(session.registry(), from.get(), keptName(key, name), value) ==
-             ERROR_SUCCESS ||
-         readRawValue(session.registry(), from.get(), absentName(key, name), value) ==
-             ERROR_SUCCESS;
+  Record record;
+  return findRecord(session, tweak, root, key, name, record) == ERROR_SUCCESS &&
+         !record.name.empty();
 }
 
 Status keepValue(Session& session, const Tweak& tweak, Root root, std::string_view key,
                  std::string_view name, const Variant* onValue) {
-  if (isKept(session, tweak, root, key, name)) return ERROR_SUCCESS;
+  Record record;
+  Status status = findRecord(session, tweak, root, key, name, record);
+  if (status != ERROR_SUCCESS || !record.name.empty()) return status;
   RawValue present;
-  const Status status = readRawValue(session.registry(), root, key, name, present);
+  status = readRawValue(session.registry(), root, key, name, present);
   if (missingIsFine(status) != ERROR_SUCCESS) return status;
   const bool there = status == ERROR_SUCCESS;
   const bool isOwn = onValue != nullptr && (there ? holds(present, *onValue) : onValue->isEmpty());
@@ -131,20 +149,15 @@ Status keepValue(Session& session, const Tweak& tweak, Root root, std::string_vi
 
 Status putBackValue(Session& session, const Tweak& tweak, Root root, std::string_view key,
                     std::string_view name, bool& wasKept) {
-  wasKept = isKept(session, tweak, root, key, name);
-  if (!wasKept) return ERROR_SUCCESS;
-  const std::string from = keptKey(session, tweak, root);
-  std::string record = keptName(key, name);
-  RawValue kept;
-  Status status = readRawValue(session.registry(), HKLM, from, record, kept);
-  if (status == ERROR_FILE_NOT_FOUND) {
-    record = absentName(key, name);
-    status = missingIsFine(session.regTool.DeleteRegValue(root, key, name));
-  } else if (status == ERROR_SUCCESS) {
-    status = writeRaw(session, root, key, name, kept);
-  }
+  Record record;
+  Status status = findRecord(session, tweak, root, key, name, record);
+  wasKept = !record.name.empty();
+  if (status != ERROR_SUCCESS || !wasKept) return status;
+  status = record.wasThere ? writeRaw(session, root, key, name, record.value)
+                           : missingIsFine(session.regTool.DeleteRegValue(root, key, name));
   if (status != ERROR_SUCCESS) return status;
-  status = session.regTool.DeleteRegValue(HKLM, from, record);
+  const std::string from = keptKey(session, tweak, root);
+  status = session.regTool.DeleteRegValue(HKLM, from, record.name);
   if (status != ERROR_SUCCESS) return status;
   // An empty key of kept values says nothing; one that still holds some stays.
   bool empty = false;
@@ -159,21 +172,22 @@ bool isTreeKept(Session& session, const Tweak& tweak, Root root, std::string_vie
 }
 
 Status keepTree(Session& session, const Tweak& tweak, Root root, std::string_view key) {
-  if (platform::OpenKey(session.registry(), root, key, platform::KEY_QUERY_VALUE).status() ==
-      ERROR_FILE_NOT_FOUND) {
-    return ERROR_SUCCESS;
-  }
+  Status status =
+      platform::OpenKey(session.registry(), root, key, platform::KEY_QUERY_VALUE).status();
+  if (status != ERROR_SUCCESS) return missingIsFine(status);
   const std::string to = keptTree(session, tweak, root, key);
-  const Status status = missingIsFine(session.regTool.DeleteRegNodes(HKLM, to));
+  status = missingIsFine(session.regTool.DeleteRegNodes(HKLM, to));
   return status == ERROR_SUCCESS ? copyTree(session, root, std::string(key), HKLM, to) : status;
 }
 
 Status putBackTree(Session& session, const Tweak& tweak, Root root, std::string_view key,
                    bool& wasKept) {
-  wasKept = isTreeKept(session, tweak, root, key);
-  if (!wasKept) return ERROR_SUCCESS;
   const std::string from = keptTree(session, tweak, root, key);
-  const Status status = copyTree(session, HKLM, from, root, std::string(key));
+  Status status =
+      platform::OpenKey(session.registry(), HKLM, from, platform::KEY_QUERY_VALUE).status();
+  wasKept = status == ERROR_SUCCESS;
+  if (!wasKept) return missingIsFine(status);
+  status = copyTree(session, HKLM, from, root, std::string(key));
   return status == ERROR_SUCCESS ? forget(session, from, keptKey(session, tweak, root)) : status;
 }
 

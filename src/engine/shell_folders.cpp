@@ -94,10 +94,21 @@ bool keyExists(Session& session, Root root, std::string_view path) {
          ERROR_SUCCESS;
 }
 
+Status findShown(const Tweak& tweak, Session& session, bool& shown) {
+  shown = false;
+  for (const std::string& place : placesOf(tweak, session)) {
+    const Status status =
+        platform::OpenKey(session.registry(), HKLM, place, platform::KEY_QUERY_VALUE).status();
+    if (missingIsFine(status) != ERROR_SUCCESS) return status;
+    shown = shown || status == ERROR_SUCCESS;
+  }
+  return ERROR_SUCCESS;
+}
+
 bool anyShown(const Tweak& tweak, Session& session) {
-  const auto places = placesOf(tweak, session);
-  return std::ranges::any_of(
-      places, [&](const std::string& place) { return keyExists(session, HKLM, place); });
+  bool shown = false;
+  findShown(tweak, session, shown);
+  return shown;
 }
 
 TweakState fromBool(bool on) { return {on ? TweakState::Kind::On : TweakState::Kind::Off, {}}; }
@@ -141,7 +152,6 @@ bool RegWorker::p_HandleRemoveOfNameSpace(const Tweak& tweak) {
   const std::vector<std::string> places = placesOf(tweak, session_);
   if (wantsOn(tweak)) {
     for (const std::string& place : places) {
-      if (!keyExists(session_, HKLM, place)) continue;
       if (!keep(keepTree(session_, tweak, HKLM, place)) || !removeTree(HKLM, place)) return false;
     }
     return finishSpecial(tweak);
@@ -150,8 +160,10 @@ bool RegWorker::p_HandleRemoveOfNameSpace(const Tweak& tweak) {
     bool wasKept = false;
     if (!keep(putBackTree(session_, tweak, HKLM, place, wasKept))) return false;
   }
+  bool shown = false;
+  if (!keep(findShown(tweak, session_, shown))) return false;
   const Home* home = homeOf(tweak, session_);
-  if (home != nullptr && !anyShown(tweak, session_) &&
+  if (home != nullptr && !shown &&
       !write(HKLM, keyOf(home->nameSpace, home->classId), "", home->name)) {
     return false;
   }
