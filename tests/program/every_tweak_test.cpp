@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cctype>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -236,7 +239,8 @@ TEST_P(EveryTweak, WritesWhatTheDocumentsSayAndNothingElse) {
   // One change of the machine, or thousands of small ones would each wait for the disk.
   platform::RegistryChange change(machine_.registry());
   // Fields last: once edited, they are written by every Apply of the main window.
-  std::ranges::stable_partition(expected_.tweaks, [](const auto& tweak) { return !tweak.typed; });
+  std::stable_partition(expected_.tweaks.begin(), expected_.tweaks.end(),
+                        [](const ExpectedTweak& tweak) { return !tweak.typed; });
   const auto before = wholeRegistry();
   for (const ExpectedTweak& tweak : expected_.tweaks) {
     SCOPED_TRACE(tweak.property);
