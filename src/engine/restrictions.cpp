@@ -123,7 +123,10 @@ bool RegWorker::P_rwNoDrives(const Tweak& tweak) {
 bool RegWorker::P_rwRestrictRegAccess(const Tweak& tweak) {
   session_.trace.enter("[P_rwRestrictRegAccess]");
   const bool on = wantsOn(tweak, isWindowsOwnDefault(session_));
-  if (session_.g_bDefaulting && on == isRestricted(session_, tweak)) return finishSpecial(tweak);
+  RawValue description;
+  if (!read(tweak.root, tweak.key, tweak.value, description)) return false;
+  const bool isOn = sameName(description.text(), kRegistryServer);
+  if (session_.g_bDefaulting && on == isOn) return finishSpecial(tweak);
   if (!on) {
     return keep(keepTree(session_, tweak, tweak.root, tweak.key)) &&
            removeTree(tweak.root, tweak.key) && finishSpecial(tweak);

@@ -43,11 +43,17 @@ bool isOwnIcon(Session& session, std::string_view key) {
          value.text() == kOwnIcon;
 }
 
+constexpr std::string_view kBitmap = ".bmp";
+
+std::string iconKeyOf(const RawValue& fileClass) {
+  const std::string name = fileClass.text();
+  return name.empty() ? "" : name + "\\DefaultIcon";
+}
+
 std::string bitmapIconKey(Session& session) {
-  RawValue value;
-  readRawValue(session.registry(), HKCR, ".bmp", "", value);
-  const std::string fileClass = value.text();
-  return fileClass.empty() ? "" : fileClass + "\\DefaultIcon";
+  RawValue fileClass;
+  readRawValue(session.registry(), HKCR, kBitmap, "", fileClass);
+  return iconKeyOf(fileClass);
 }
 
 // The pictures of the browser's toolbar that a box takes away.
@@ -108,11 +114,14 @@ TweakState p_DetermineInherentDLLs(const Tweak&, Session& session) {
 // The way back stands beside the icon, where the user of another tool finds it too.
 bool RegWorker::P_rwBMP(const Tweak& tweak) {
   session_.trace.enter("[P_rwBMP]");
-  const std::string key = bitmapIconKey(session_);
+  RawValue fileClass;
+  RawValue present;
+  if (!read(HKCR, kBitmap, "", fileClass)) return false;
+  const std::string key = iconKeyOf(fileClass);
   if (key.empty()) return finishSpecial(tweak);
-  const bool isOn = isOwnIcon(session_, key);
+  if (!read(HKCR, key, "", present)) return false;
   const bool on = wantsOn(tweak);
-  if (on == isOn) return finishSpecial(tweak);
+  if (on == (present.text() == kOwnIcon)) return finishSpecial(tweak);
   if (!on) {
     RawValue backUp;
     if (!read(HKCR, key, kBackUp, backUp)) return false;

@@ -112,12 +112,25 @@ TEST_F(RegWorkerTest, OnlyFullNamesAreRoutines) {
   EXPECT_THROW(worker.call("Run"), foundation::RuntimeError);
 }
 
+constexpr std::string_view kAdvanced =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced";
+constexpr std::string_view kNetworkConnections =
+    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\ControlPanel\\NameSpace\\"
+    "{7007ACC7-3202-11D1-AAD2-00805FC1270E}";
+constexpr std::string_view kAllowedPaths =
+    "SYSTEM\\CurrentControlSet\\Control\\SecurePipeServers\\winreg\\AllowedPaths";
+
 // Fails the n-th call of the registry, for n = 1, 2, ... until nothing fails any more: the machine
 // is as before with the change still waiting, or as after; never between.
 class FaultLoop {
  public:
-  FaultLoop(EngineTest& test, const Tweak& tweak, bool defaulting)
-      : test_(test), tweak_(tweak), defaulting_(defaulting) {}
+  FaultLoop(EngineTest& test, const Tweak& tweak, int value, bool defaulting)
+      : test_(test),
+        tweak_(tweak),
+        defaulting_(defaulting),
+        turnedOnBefore_(value == 0 && (tweak.special != nullptr || tweak.keepsPrevious)) {
+    test.put(tweak, value);
+  }
 
   void run() {
     std::vector<EngineTest::Dump> done;  // after a failure that cost nothing
@@ -154,6 +167,7 @@ class FaultLoop {
 
   // A machine that others use too, on which the change waits.
   void reset() {
+    platform::RegistryChange change(test_.registry());  // one flush to the disk, not twenty
     auto& tool = test_.session.regTool;
     for (const char* path : {"Software", "Control Panel"}) tool.DeleteRegNodes(HKCU, path);
     for (const char* path : {"Software", "SYSTEM\\ControlSet001\\Control"}) {
@@ -162,18 +176,40 @@ class FaultLoop {
     test_.start();
     test_.setText(HKLM, kRunOnceEx, "Title", "Setup of something else");
     test_.setDword(HKLM, kOptions, "ClearRUNReboot", 1);
+    test_.setText(HKCR, ".bmp", "", "Paint.Picture");
+    test_.setText(HKCR, "Paint.Picture\\DefaultIcon", "", "mspaint.exe,1");
+    test_.setText(HKCR, "dllfile\\DefaultIcon", "", "library.ico");
+    test_.setText(HKLM, kNetworkConnections, "", "Network Connections");
+    test_.setText(HKLM, kAllowedPaths, "Machine", "System");
+    test_.setDword(HKCU, kAdvanced, "StartMenuLogoff", 1);
+    if (turnedOnBefore_) turnOn();
     test_.createKey(HKLM, marker());
+    ASSERT_EQ(0, change.commit());
+  }
+
+  // So that there is something to put back.
+  void turnOn() {
+    test_.put(tweak_, 1);
+    if (tweak_.ask != nullptr) test_.prompts.answers = {platform::Answer::Yes};
+    EXPECT_TRUE(test_.worker.call(tweak_.property));
+    test_.prompts.answers.clear();
+    test_.put(tweak_, 0);
   }
 
   bool call(platform::Machine& machine) {
     foundation::Session session(machine, test_.prompts);
     session.g_sAppPath = test_.session.g_sAppPath;
+    session.g_sWinDir = test_.session.g_sWinDir;
+    session.g_sWinSysDir = test_.session.g_sWinSysDir;
+    session.g_bNT = test_.session.g_bNT;
+    session.g_eOS = test_.session.g_eOS;
     session.pd = test_.session.pd;
     session.g_bRebootNeeded = !tweak_.reboot;
     session.g_bDefaulting = defaulting_;
     RegWorker worker(session, test_.book);
     if (tweak_.ask != nullptr) test_.prompts.answers = {platform::Answer::Yes};
     const bool done = worker.call(tweak_.property);
+    test_.prompts.answers.clear();  // not everybody asks in every state
     EXPECT_EQ(done, !worker.bLastWriteFailed);
     EXPECT_EQ(done ? 0 : platform::ERROR_ACCESS_DENIED, worker.lastStatus);
     EXPECT_EQ(done ? tweak_.reboot : !tweak_.reboot, session.g_bRebootNeeded);
@@ -183,15 +219,17 @@ class FaultLoop {
   EngineTest& test_;
   const Tweak& tweak_;
   bool defaulting_;
+  bool turnedOnBefore_;
 };
 
 TEST_F(RegWorkerTest, AFailureAtAnyPointLeavesTheMachineAndTheMarkerAsTheyWere) {
   putFile(session.g_sAppPath + "\\kvxsup.exe", "program");
+  putFile(session.g_sAppPath + "\\zak.hlp", "the other");
+  putFile("C:\\WINNT\\Help\\Windows.hlp", "the real one");
   for (const Tweak* tweak : allTweaks()) {
     for (const auto& [value, defaulting] : {std::pair{1, false}, {0, false}, {1, true}}) {
       SCOPED_TRACE(fmt::format("{} box {} defaulting {}", tweak->property, value, defaulting));
-      put(*tweak, value);
-      FaultLoop(*this, *tweak, defaulting).run();
+      FaultLoop(*this, *tweak, value, defaulting).run();
       if (HasFailure()) return;
     }
   }
