@@ -45,7 +45,7 @@ bool RegWorker::run(const Tweak& row) {
   lastStatus = platform::ERROR_SUCCESS;
   notice_.clear();
   const bool rebootNeededBefore = session_.g_bRebootNeeded;
-  if (tweak.ask != nullptr) (this->*tweak.ask)(tweak);
+  if (tweak.ask != nullptr && !(this->*tweak.ask)(tweak)) return keep(platform::ERROR_CANCELLED);
   {
     platform::RegistryChange change(session_.registry());
     files_.emplace(session_.files());

@@ -56,7 +56,7 @@ class RegWorker {
   // shell_folders.cpp
   bool p_HandleRemoveOfNameSpace(const Tweak& tweak);
   bool p_PrintersAndControlPanelAndHistory(const Tweak& tweak);
-  void askForWhom(const Tweak& tweak);  // you only, or all users
+  bool askForWhom(const Tweak& tweak);  // you only, or all users
   // shell_verbs.cpp: P_rwRightClickDOS, P_rwPrintDirs_Files, P_rwOpenWith
   bool p_rwShellVerbs(const Tweak& tweak);
   // shell_icons.cpp

@@ -185,16 +185,17 @@ std::string_view needsNameSpaceFolder(const Tweak& tweak, Session& session) {
   return kept || registered ? "" : "This Windows has no such folder.";
 }
 
-void RegWorker::askForWhom(const Tweak& tweak) {
+bool RegWorker::askForWhom(const Tweak& tweak) {
   forAllUsers_ = false;
-  if (!wantsOn(tweak) || anyPlaceExists(session_, cascadePlaces(tweak, session_))) return;
+  if (!wantsOn(tweak) || anyPlaceExists(session_, cascadePlaces(tweak, session_))) return true;
   const std::string question = fmt::format(
       "Would you like the cascading {} menu enabled\r\n"
       "for you only (Yes) or all users (No)?",
       cascadeOf(tweak).name);
-  forAllUsers_ =
-      session_.prompts().messageBox(question, platform::kButtonsYesNo | platform::kIconQuestion,
-                                    foundation::kAppTitle) == platform::Answer::No;
+  const platform::Answer answer = session_.prompts().messageBox(
+      question, platform::kButtonsYesNo | platform::kIconQuestion, foundation::kAppTitle);
+  forAllUsers_ = answer == platform::Answer::No;
+  return forAllUsers_ || answer == platform::Answer::Yes;
 }
 
 bool RegWorker::p_PrintersAndControlPanelAndHistory(const Tweak& tweak) {

@@ -72,8 +72,9 @@ enum class ControlShape : std::uint8_t { CheckBox, TextBox, None };
 // state is more than its one value names its reader.
 using Special = bool (RegWorker::*)(const Tweak&);
 // What a special has to ask the person. It is asked before the routine's change is begun: nobody
-// else can write to the machine while one is open.
-using Ask = void (RegWorker::*)(const Tweak&);
+// else can write to the machine while one is open. False for a person who gave no answer: then the
+// routine does nothing, and its change keeps waiting.
+using Ask = bool (RegWorker::*)(const Tweak&);
 using SpecialReader = TweakState (*)(const Tweak&, foundation::Session&);
 // Why this machine cannot have the tweak, beyond its Windows; "" where it can. Reads only.
 using Condition = std::string_view (*)(const Tweak&, foundation::Session&);
