@@ -67,9 +67,8 @@ void findExplorerVersion(Session& session) {
 }  // namespace
 
 void detectReadOnly(Session& session) {
-  foundation::P_DetermineSystemPaths(session);
+  foundation::detectSystem(session);
   findExplorerVersion(session);
-  foundation::P_GetOSPlatform(session);
   findShellVersion(session);
 }
 
