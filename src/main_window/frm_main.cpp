@@ -12,6 +12,8 @@
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
 #include "foundation/reg_value.h"
+#include "main_window/commands.h"
+#include "main_window/defaults.h"
 #include "main_window/office_page.h"
 #include "main_window/options.h"
 #include "main_window/restart_prompt.h"
@@ -68,15 +70,20 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
       fields_(session, regWorker, pages_.controls(), [this] { edited(); }) {
   cmdApply.Enabled = false;
   cmdApply.ToolTipText = "Write the changes to the machine";
+  cmdAbout.ToolTipText = "Version, and the machine that is tuned";
+  cmdDefaults.ToolTipText = "Reset every setting to what Windows had";
   cmdDone.ToolTipText = "Leave Korvex; changes that were not applied are discarded";
   makeSections(formBook);
   layout =
       Layout::column({pages_.layout(tabMain, sections_),
-                      Layout::row({Layout::space(), Layout::of(cmdApply), Layout::of(cmdDone)})});
+                      Layout::row({Layout::of(cmdAbout), Layout::of(cmdDefaults), Layout::space(),
+                                   Layout::of(cmdApply), Layout::of(cmdDone)})});
+  cmdAbout.Click += [&formBook] { formBook.showModal("frmAbout"); };
   connect();
 }
 
-void frmMain::makeSections(forms::FormBook&) {
+void frmMain::makeSections(forms::FormBook& formBook) {
+  sections_.push_back(std::make_unique<CommandButtons>(*this, session_, formBook));
   sections_.push_back(std::make_unique<OfficePage>(*this, session_));
 }
 
@@ -93,6 +100,7 @@ void frmMain::connect() {
     };
   }
   cmdApply.Click += [this] { trap("cmdApply_Click", [this] { cmdApply_Click(); }); };
+  cmdDefaults.Click += [this] { trap("cmdDefaults_Click", [this] { cmdDefaults_Click(); }); };
   cmdDone.Click += [this] { trap("cmdDone_Click", [this] { cmdDone_Click(); }); };
   pending_.changed += [this] { showStatus(); };
 }
@@ -171,6 +179,33 @@ void frmMain::cmdApply_Click() {
   Busy = false;
   showStatus();
   if (!engine::finishApply(session_, failures, trouble)) cmdApply.Enabled = changesWaiting() > 0;
+}
+
+void frmMain::cmdDefaults_Click() {
+  if (session_.prompts().messageBox("This will reset all values available in Korvex to default?",
+                                    kButtonsYesNo | kIconQuestion,
+                                    foundation::kAppTitle) != Answer::Yes) {
+    return;
+  }
+  Busy = true;
+  const DefaultsOutcome outcome =
+      restoreDefaults(session_, regWorker_, pending_, [this](int percent) { Progress = percent; });
+  std::string text = describeDefaults(outcome);
+  for (const auto& section : sections_) {
+    const std::string sentence = section->restoreDefaults();
+    if (!sentence.empty()) text += fmt::format("{}{}", foundation::kCrLf, sentence);
+  }
+  readOptions(session_);
+  session_.g_bNoRecord = true;
+  readMachine();
+  session_.g_bNoRecord = false;
+  cmdApply.Enabled = false;
+  Progress = -1;
+  Busy = false;
+  showStatus();
+  if (engine::finishApply(session_, {})) {
+    session_.prompts().messageBox(text, kButtonsOk | kIconInformation, foundation::kAppTitle);
+  }
 }
 
 void frmMain::cmdDone_Click() {

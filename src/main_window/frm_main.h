@@ -37,6 +37,8 @@ class frmMain : public forms::Form {
   StartResult startResult() const { return startResult_; }
 
   forms::TabStrip tabMain{*this, "tabMain", MainPages::tabs()};
+  forms::CommandButton cmdAbout{*this, "cmdAbout", "A&bout"};
+  forms::CommandButton cmdDefaults{*this, "cmdDefaults", "D&efaults"};
   forms::CommandButton cmdApply{*this, "cmdApply", "&Apply"};
   forms::CommandButton cmdDone{*this, "cmdDone", "&Done"};
 
@@ -45,6 +47,7 @@ class frmMain : public forms::Form {
   void connect();
   void cmdApply_Click();
   void cmdDone_Click();
+  void cmdDefaults_Click();
   // Reads the machine into every control, as start-up and Defaults do.
   void readMachine();
   void p_SetTabControl();

@@ -22,6 +22,8 @@ class PageSection {
   virtual int changesWaiting() const { return 0; }
   // "" for done, or a sentence for the person: what could not be written and what to do.
   virtual std::string apply() { return {}; }
+  // Writes what Windows has by default; as apply.
+  virtual std::string restoreDefaults() { return {}; }
 };
 
 }  // namespace korvex::main_window

@@ -1,0 +1,257 @@
+// What the buttons do.
+#include "main_window/commands.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "engine/raw_value.h"
+#include "engine/readers.h"
+#include "foundation/error_handler.h"
+#include "foundation/reg_value.h"
+#include "main_window/options.h"
+
+namespace korvex::main_window {
+
+using engine::k9x;
+using engine::kEvery;
+using engine::kNT;
+using engine::kNT4;
+using engine::kWin95;
+using engine::kWin98;
+using engine::kWinMe;
+using engine::Page;
+using forms::CommandButton;
+using forms::Layout;
+using namespace platform;
+
+namespace {
+
+constexpr std::string_view kMenuOrder =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\MenuOrder";
+constexpr std::string_view kPrinters = "SYSTEM\\CurrentControlSet\\Control\\Print\\Printers";
+constexpr std::string_view kSpoolDirectory = "DefaultSpoolDirectory";
+constexpr std::string_view kSetup = "Software\\Microsoft\\Windows\\CurrentVersion\\Setup";
+constexpr std::string_view kSourcePath = "SourcePath";
+constexpr std::string_view kRegPath = "RegPath";
+
+}  // namespace
+
+const std::vector<CommandButtons::Row>& CommandButtons::rows() {
+  using B = CommandButtons;
+  static const std::vector<Row> table{
+      {"cmdMoreSecurity", "More restrictions...", Page::Security, "More",
+       "Opens a window with further restrictions", kEvery, 0, &B::cmdMoreSecurity_Click},
+      {"cmdStartMenuAlpha", "Sort the Start menu by name", Page::WinTweaks, "Start menu",
+       "Forgets the order that items were dragged into", kEvery, kWin95 | kNT4,
+       &B::cmdStartMenuAlpha_Click},
+      {"cmdClearDOCSNow", "Clear the &documents", Page::WinTweaks, "Clear now",
+       "Empties Documents on the Start menu", kEvery, 0, &B::cmdClearDOCSNow_Click},
+      {"cmdClearIEURLList", "Clear the typed addresses", Page::WinTweaks, "Clear now",
+       "Forgets the addresses typed into Internet Explorer", kEvery, 0,
+       &B::cmdClearIEURLList_Click},
+      {"cmdClearMRUs", "Clear all lists of recent items", Page::WinTweaks, "Clear now",
+       "Forgets what was run, opened, searched and mapped last", kEvery, 0, &B::cmdClearMRUs_Click},
+      {"cmdClearRUN", "Clear the Run list", Page::WinTweaks, "Clear now",
+       "Forgets the commands typed into Run", kEvery, 0, &B::cmdClearRUN_Click},
+      {"cmdInstallPath", "Windows's source path...", Page::WinTweaks, "Setup",
+       "Changes where Windows looks for its own files", kEvery, 0, &B::cmdInstallPath_Click},
+      {"cmdMSConfig", "&System Configuration", Page::Windows9x, "Programs",
+       "Starts msconfig.exe of the machine", kWin98 | kWinMe, 0, &B::cmdMSConfig_Click},
+      {"cmdWinCompat", "&Make Compatible", Page::Windows9x, "Programs",
+       "Starts mkcompat.exe of the machine", k9x, 0, &B::cmdWinCompat_Click},
+      {"cmdChangePrintSpool", "Spool folder...", Page::NT4Win2K, "Printing",
+       "Changes where documents wait for their printer", kNT, 0, &B::cmdChangePrintSpool_Click},
+      {"cmdBrowse", "&Browse...", Page::Registry, "Saved settings",
+       "Chooses the folder of saved registry settings", kEvery, 0, &B::cmdBrowse_Click},
+  };
+  return table;
+}
+
+CommandButtons::CommandButtons(forms::Form& form, foundation::Session& session,
+                               forms::FormBook& formBook)
+    : form_(form),
+      session_(session),
+      formBook_(formBook),
+      lblPrintSpool_(form.own<forms::Label>("lblPrintSpool", "")),
+      txtRegPath_(form.own<forms::TextBox>(
+          "txtRegPath", forms::TextBoxOptions{.widthInCharacters = 40, .readOnly = true})),
+      lblRegPath_(
+          form.own<forms::Label>("lblRegPath", "&Folder of saved settings:", &txtRegPath_)) {
+  txtRegPath_.ToolTipText = "Where registry settings are saved";
+  for (const Row& row : rows()) {
+    auto& button = form.own<CommandButton>(row.name, row.caption);
+    button.ToolTipText = row.toolTip;
+    button.Click += [this, &row] {
+      foundation::guarded(session_, std::string(row.name) + "_Click",
+                          [this, &row] { (this->*row.handler)(); });
+    };
+  }
+}
+
+std::vector<Layout> CommandButtons::groups(Page page) {
+  std::vector<Layout> groups;
+  for (const Row& row : rows()) {
+    if (row.page != page) continue;
+    auto& button = *form_.find<CommandButton>(row.name);
+    std::vector<Layout> parts;
+    if (row.handler == &CommandButtons::cmdBrowse_Click) {
+      parts.push_back(
+          Layout::row({Layout::of(lblRegPath_), Layout::of(txtRegPath_), Layout::of(button)}));
+    } else {
+      if (row.handler == &CommandButtons::cmdChangePrintSpool_Click) {
+        parts.push_back(Layout::of(lblPrintSpool_));
+      }
+      parts.push_back(Layout::row({Layout::of(button), Layout::space()}));
+    }
+    if (!groups.empty() && groups.back().title == row.group) {
+      for (Layout& part : parts) groups.back().parts.push_back(std::move(part));
+    } else {
+      groups.push_back(Layout::group(row.group, std::move(parts)));
+    }
+  }
+  return groups;
+}
+
+void CommandButtons::load() {
+  for (const Row& row : rows()) {
+    const engine::Tweak facts{
+        .property = {}, .families = row.families, .needsDesktopUpdate = row.needsDesktopUpdate};
+    const engine::TweakState state = engine::availability(facts, session_);
+    if (state.kind != engine::TweakState::Kind::Unavailable) continue;
+    auto& button = *form_.find<CommandButton>(row.name);
+    button.Enabled = false;
+    button.ToolTipText = std::string(state.reason);
+  }
+  p_DetermineDefaultPrintSpoolDir();
+  showRegPath();
+}
+
+void CommandButtons::p_DetermineDefaultPrintSpoolDir() {
+  session_.trace.enter("[p_DetermineDefaultPrintSpoolDir]");
+  lblPrintSpool_.Visible = session_.g_bNT;
+  if (!session_.g_bNT) return;
+  lblPrintSpool_.Caption =
+      " Current printer spool directory: " +
+      session_.regTool.GetRegStr(kPrinters, kSpoolDirectory, HKEY_LOCAL_MACHINE);
+}
+
+// As the registry has it it may be a name below the program's own folder.
+void CommandButtons::showRegPath() {
+  const std::string stored =
+      session_.regTool.GetRegStr(kConfiguration, kRegPath, HKEY_LOCAL_MACHINE);
+  const bool isWhole = stored.size() > 1 && (stored[1] == ':' || stored.starts_with("\\\\"));
+  txtRegPath_.Text =
+      isWhole ? stored
+              : fmt::format("{}\\{}", session_.g_sAppPath, stored.empty() ? "Registry" : stored);
+}
+
+void CommandButtons::cmdMoreSecurity_Click() { formBook_.showModal("frmMoreSecurity"); }
+
+void CommandButtons::cmdStartMenuAlpha_Click() {
+  if (!asked("Force Start Menu items alphabetical?")) return;
+  RegistryChange change(session_.registry());
+  Status status = change.status();
+  if (status == ERROR_SUCCESS) {
+    status = engine::missingIsFine(session_.regTool.DeleteRegNodes(HKEY_CURRENT_USER, kMenuOrder));
+  }
+  if (status == ERROR_SUCCESS) status = change.commit();
+  if (status != ERROR_SUCCESS) return fail("The order of the Start menu", status);
+  tell("Operation complete.", kIconInformation);
+}
+
+void CommandButtons::cmdChangePrintSpool_Click() {
+  const auto folder =
+      session_.prompts().pickFolder("Identify a new default printer spool directory.");
+  if (!folder || folder->empty()) return;
+  if (!write(HKEY_LOCAL_MACHINE, kPrinters, kSpoolDirectory, *folder)) return;
+  p_DetermineDefaultPrintSpoolDir();
+  tell("Default spool directory successfully changed.", kIconInformation);
+}
+
+void CommandButtons::cmdInstallPath_Click() {
+  const std::string present = session_.regTool.GetRegStr(kSetup, kSourcePath, HKEY_LOCAL_MACHINE);
+  const auto path =
+      session_.prompts().inputBox("Type the new source path for Windows to search at.",
+                                  "Change Windows's source path", present);
+  if (!path || path->empty() || *path == present) return;
+  if (!write(HKEY_LOCAL_MACHINE, kSetup, kSourcePath, *path)) return;
+  form_.StatusText = "Windows's source path is now " + *path;
+}
+
+void CommandButtons::cmdBrowse_Click() {
+  const auto folder =
+      session_.prompts().pickFolder("Identify the folder where registry settings will be stored.");
+  if (!folder || folder->empty()) return;
+  if (write(HKEY_LOCAL_MACHINE, kConfiguration, kRegPath, *folder)) showRegPath();
+}
+
+void CommandButtons::cmdClearDOCSNow_Click() {
+  clear(ShellList::Documents, "Clear documents from Start Menu now?", "documents");
+}
+
+void CommandButtons::cmdClearIEURLList_Click() {
+  clear(ShellList::TypedAddresses, "Clear Internet Explorer's URL list now?", "addresses");
+}
+
+void CommandButtons::cmdClearMRUs_Click() {
+  clear(ShellList::All, "Clear all MRU lists now?", "entries");
+}
+
+void CommandButtons::cmdClearRUN_Click() { clear(ShellList::RunCommands, "", "commands"); }
+
+void CommandButtons::clear(ShellList list, std::string_view question, std::string_view what) {
+  const int count = countEntries(list, session_);
+  if (!question.empty()) {
+    // What is cleared cannot come back: the person may want to know how much it is.
+    const std::string text = fmt::format("{}\r\n({} {})", question, count, what);
+    if (!session_.g_bNoShowConfirmation && !asked(text)) return;
+  }
+  const Status status = clearList(list, session_);
+  if (status != ERROR_SUCCESS) return fail("The list", status);
+  session_.registry().flush();
+  form_.StatusText = count == 0 ? std::string("There was nothing to clear.")
+                                : fmt::format("{} {} cleared.", count, what);
+}
+
+void CommandButtons::cmdMSConfig_Click() { start("msconfig.exe"); }
+void CommandButtons::cmdWinCompat_Click() { start("mkcompat.exe"); }
+
+void CommandButtons::start(const std::string& program) {
+  std::string message;
+  const Status status =
+      session_.machine().processes().ShellExecuteA("open", program, "", "", message);
+  session_.trace.dump("lRetVal&", status);
+  if (status == ERROR_SUCCESS) return;
+  tell(message.empty()
+           ? fmt::format("{} could not be started: {}.", program, describeStatus(status))
+           : message,
+       kIconExclamation);
+}
+
+bool CommandButtons::asked(const std::string& question) {
+  return session_.prompts().messageBox(question, kButtonsYesNo | kIconQuestion,
+                                       foundation::kAppTitle) == Answer::Yes;
+}
+
+bool CommandButtons::write(HKEY root, std::string_view key, std::string_view name,
+                           const std::string& text) {
+  Status status = ERROR_SUCCESS;
+  foundation::P_WriteRegValue(session_, root, key, name, text, KEY_ALL_ACCESS, true, &status);
+  if (status == ERROR_SUCCESS) status = session_.registry().flush();
+  if (status != ERROR_SUCCESS) fail(std::string(name), status);
+  return status == ERROR_SUCCESS;
+}
+
+void CommandButtons::fail(const std::string& what, Status status) {
+  tell(fmt::format("{} could not be changed: {}.\r\nNothing was changed. Put the cause right and "
+                   "try again.",
+                   what, describeStatus(status)),
+       kIconExclamation);
+}
+
+void CommandButtons::tell(const std::string& text, int icon) {
+  session_.prompts().messageBox(text, kButtonsOk | icon, foundation::kAppTitle);
+}
+
+}  // namespace korvex::main_window
