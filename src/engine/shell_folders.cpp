@@ -209,8 +209,9 @@ bool RegWorker::p_PrintersAndControlPanelAndHistory(const Tweak& tweak) {
     return keep(files().createFolder(place)) && finishSpecial(tweak);
   }
   for (const std::string& place : places) {
-    if (place.empty() || !files().exists(place)) continue;
-    if (!keep(files().removeFolder(place))) return false;
+    if (place.empty()) continue;
+    const Status status = files().removeFolder(place);
+    if (status != platform::ERROR_PATH_NOT_FOUND && !keep(missingIsFine(status))) return false;
   }
   return finishSpecial(tweak);
 }
