@@ -114,7 +114,7 @@ constexpr std::array kRows{
           .control = "chkAddPrintDirs_Files",
           .page = Page::WinTweaks,
           .group = "Right-click menus and icons",
-          .caption = "Add Print Director&y to right-click menus",
+          .caption = "Add Print Directory to ri&ght-click menus",
           .toolTip = "Prints the list of a folder's or a drive's files...default is unchecked",
           .special = &RegWorker::p_rwShellVerbs,
           .reader = p_DetermineShellVerbs},
@@ -127,7 +127,7 @@ constexpr std::array kRows{
           .control = "chkInherentDLL",
           .page = Page::WinTweaks,
           .group = "Right-click menus and icons",
-          .caption = "Show the own &icons of .dll and .cpl files",
+          .caption = "Show the own icons of .d&ll and .cpl files",
           .toolTip = "Draws the first icon in each file...default is unchecked"
                      "...restart required",
           .special = &RegWorker::P_rwInherentDLL,
@@ -156,7 +156,7 @@ constexpr std::array kRows{
           .control = "chkScreenTips",
           .page = Page::WinTweaks,
           .group = "Windows and folders",
-          .caption = "Show no screen tips on window &buttons",
+          .caption = "Show no screen tips o&n window buttons",
           .toolTip = "Leaves the tips on Minimize, Maximize and Close out...default is unchecked"
                      "...restart required",
           .families = kWin98 | kWinMe | kNT,
