@@ -12,6 +12,7 @@
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
 #include "foundation/reg_value.h"
+#include "main_window/boot_options.h"
 #include "main_window/commands.h"
 #include "main_window/defaults.h"
 #include "main_window/office_page.h"
@@ -84,6 +85,7 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
 
 void frmMain::makeSections(forms::FormBook& formBook) {
   sections_.push_back(std::make_unique<CommandButtons>(*this, session_, formBook));
+  sections_.push_back(std::make_unique<BootOptions>(*this, session_, [this] { edited(); }));
   sections_.push_back(std::make_unique<OfficePage>(*this, session_));
 }
 
