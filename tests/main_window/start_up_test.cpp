@@ -117,6 +117,19 @@ TEST_F(StartUpTest9x, BatchExtensionAndRightsFollowTheFamily) {
   EXPECT_TRUE(run.box("chkDefrag").Enabled);
 }
 
+TEST_F(StartUpTest, ARunThatOnlyReadsFindsWhatTheWindowFinds) {
+  KorvexRun run(machine.get());
+  ASSERT_EQ(StartResult::Started, run.window().startResult());
+  const auto reader = machine.open(platform::OpenMode::Read);
+  test::ScriptedPrompts nobody;
+  foundation::Session session(*reader, nobody);
+  detectReadOnly(session);
+  EXPECT_EQ("Tester", session.g_sCurrentUser);
+  EXPECT_EQ("C:\\Documents and Settings\\Tester\\Start Menu", session.pd.StartMenuPath);
+  EXPECT_EQ(run.session.pd.CommStartMenuPath, session.pd.CommStartMenuPath);
+  EXPECT_EQ(run.session.g_eOS, session.g_eOS);
+}
+
 TEST_F(StartUpTest, EveryPageSaysSomethingAndEveryRowHasItsControl) {
   KorvexRun run(machine.get());
   const forms::Layout& pages = run.window().layout.parts.at(0);
