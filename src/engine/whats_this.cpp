@@ -46,13 +46,20 @@ std::string outcomeText(const Tweak& tweak, const Decision& decision, bool putsB
   return "";
 }
 
+// What the tweak works on.
+std::string subject(const Tweak& tweak) {
+  if (tweak.special == nullptr && decide(tweak, 1, Variant()).act == Decision::Act::SwapHelpFile) {
+    return "Swaps Windows.hlp, and Windows2.hlp where it is there, in the Help folder of Windows.";
+  }
+  const std::string value =
+      tweak.value.empty() ? "the default value" : fmt::format("the value {}", tweak.value);
+  return fmt::format("Sets {} of the key {}\\{}.", value, rootName(tweak.root), tweak.key);
+}
+
 }  // namespace
 
 std::string whatsThis(const Tweak& tweak) {
-  const std::string value =
-      tweak.value.empty() ? "the default value" : fmt::format("the value {}", tweak.value);
-  std::string text =
-      fmt::format("Sets {} of the key {}\\{}.", value, rootName(tweak.root), tweak.key);
+  std::string text = subject(tweak);
   if (tweak.special != nullptr && tweak.shape == ControlShape::CheckBox) {
     // What it writes its mode cannot tell.
     text += " 'korvex show' tells all that it writes.";

@@ -18,10 +18,9 @@ constexpr std::string_view kServer =
     "System\\CurrentControlSet\\Services\\LanmanServer\\Parameters";
 
 // The frames.
-constexpr std::string_view kStartMenu = "Start menu";
 constexpr std::string_view kWin9x = "Windows 9x specific";
 constexpr std::string_view kExplorer = "Internet Explorer 4.x SP2 and higher specific";
-constexpr std::string_view kSystem = "System";
+constexpr std::string_view kSystem = "Start menu and system";
 constexpr std::string_view kNetwork = "Network and printers";
 constexpr std::string_view kDisplay = "Display applet";
 
@@ -80,12 +79,6 @@ constexpr Tweak adminShares(Tweak row) {
 }
 
 constexpr std::array kRows{
-    afterRestart(withDesktopUpdate(
-        kWin95 | kNT4,
-        restriction("P_rwNoChangeStartMenu", kPoliciesExplorer, "NoChangeStartMenu",
-                    "chkNoContextonStartMenu", kStartMenu, "Disable &Start Menu right click",
-                    "Keeps the Start menu from being changed with the mouse...default is "
-                    "unchecked...restart required"))),
     afterRestart(only(
         k9x,
         restriction("P_rwNoRealMode", kWinOldApp, "NoRealMode", "chkNoRealMode", kWin9x,
@@ -151,6 +144,12 @@ constexpr std::array kRows{
     ofTheBrowser(restriction("P_rwNoFileOpen", kRestrictions, "NoFileOpen", "chkExplNoOpen",
                              kExplorer, "Disable &Open command on File menu",
                              "Opens no files and addresses from the menu...default is unchecked")),
+    afterRestart(withDesktopUpdate(
+        kWin95 | kNT4,
+        restriction("P_rwNoChangeStartMenu", kPoliciesExplorer, "NoChangeStartMenu",
+                    "chkNoContextonStartMenu", kSystem, "Disable &Start Menu right click",
+                    "Keeps the Start menu from being changed with the mouse...default is "
+                    "unchecked...restart required"))),
     helpFile(
         restriction("P_rwDisableHelp", kServer, "DisableHelp", "chkDisableHelp", kSystem,
                     "Disable main Windows &Help file",
