@@ -37,8 +37,8 @@ bool RegWorker::call(std::string_view property) {
 }
 
 bool RegWorker::run(const Tweak& row) {
-  // Before the bracket: loading a form reads and records what the machine has.
-  if (row.shape != ControlShape::None) formBook_.load(row.form);
+  // Before the bracket: loading a form reads and records what the machine has. Defaults need none.
+  if (row.shape != ControlShape::None && !session_.g_bDefaulting) formBook_.load(row.form);
   const Tweak tweak = onMachine(row, session_);
 
   bLastWriteFailed = false;

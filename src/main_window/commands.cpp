@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include "engine/raw_value.h"
+#include "engine/apply.h"
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
 #include "foundation/reg_value.h"
@@ -27,25 +27,33 @@ using namespace platform;
 
 namespace {
 
-constexpr std::string_view kMenuOrder =
-    "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\MenuOrder";
 constexpr std::string_view kPrinters = "SYSTEM\\CurrentControlSet\\Control\\Print\\Printers";
 constexpr std::string_view kSpoolDirectory = "DefaultSpoolDirectory";
 constexpr std::string_view kSetup = "Software\\Microsoft\\Windows\\CurrentVersion\\Setup";
 constexpr std::string_view kSourcePath = "SourcePath";
 constexpr std::string_view kRegPath = "RegPath";
 
+// What is cleared cannot come back: the person may want to know how much it is.
+std::string withCount(std::string_view question, int count, const CommandButtons::Noun& noun) {
+  if (count == 0) return std::string(question);
+  return fmt::format("{}{}({})", question, foundation::kCrLf, noun.of(count));
+}
+
 }  // namespace
+
+std::string CommandButtons::Noun::of(int count) const {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
 
 const std::vector<CommandButtons::Row>& CommandButtons::rows() {
   using B = CommandButtons;
   static const std::vector<Row> table{
       {"cmdMoreSecurity", "More restrictions...", Page::Security, "More",
        "Opens a window with further restrictions", kEvery, 0, &B::cmdMoreSecurity_Click},
-      {"cmdStartMenuAlpha", "Sort the Start menu by name", Page::WinTweaks, "Start menu",
+      {"cmdStartMenuAlpha", "Sort the Start men&u by name", Page::WinTweaks, "Start menu",
        "Forgets the order that items were dragged into", kEvery, kWin95 | kNT4,
        &B::cmdStartMenuAlpha_Click},
-      {"cmdClearDOCSNow", "Clear the &documents", Page::WinTweaks, "Clear now",
+      {"cmdClearDOCSNow", "Clear the documents", Page::WinTweaks, "Clear now",
        "Empties Documents on the Start menu", kEvery, 0, &B::cmdClearDOCSNow_Click},
       {"cmdClearIEURLList", "Clear the typed addresses", Page::WinTweaks, "Clear now",
        "Forgets the addresses typed into Internet Explorer", kEvery, 0,
@@ -56,13 +64,13 @@ const std::vector<CommandButtons::Row>& CommandButtons::rows() {
        "Forgets the commands typed into Run", kEvery, 0, &B::cmdClearRUN_Click},
       {"cmdInstallPath", "Windows's source path...", Page::WinTweaks, "Setup",
        "Changes where Windows looks for its own files", kEvery, 0, &B::cmdInstallPath_Click},
-      {"cmdMSConfig", "&System Configuration", Page::Windows9x, "Programs",
+      {"cmdMSConfig", "System &Configuration", Page::Windows9x, "Programs",
        "Starts msconfig.exe of the machine", kWin98 | kWinMe, 0, &B::cmdMSConfig_Click},
       {"cmdWinCompat", "&Make Compatible", Page::Windows9x, "Programs",
        "Starts mkcompat.exe of the machine", k9x, 0, &B::cmdWinCompat_Click},
       {"cmdChangePrintSpool", "Spool folder...", Page::NT4Win2K, "Printing",
        "Changes where documents wait for their printer", kNT, 0, &B::cmdChangePrintSpool_Click},
-      {"cmdBrowse", "&Browse...", Page::Registry, "Saved settings",
+      {"cmdBrowse", "Bro&wse...", Page::Registry, "Saved settings",
        "Chooses the folder of saved registry settings", kEvery, 0, &B::cmdBrowse_Click},
   };
   return table;
@@ -149,22 +157,22 @@ void CommandButtons::showRegPath() {
 void CommandButtons::cmdMoreSecurity_Click() { formBook_.showModal("frmMoreSecurity"); }
 
 void CommandButtons::cmdStartMenuAlpha_Click() {
-  if (!asked("Force Start Menu items alphabetical?")) return;
-  RegistryChange change(session_.registry());
-  Status status = change.status();
-  if (status == ERROR_SUCCESS) {
-    status = engine::missingIsFine(session_.regTool.DeleteRegNodes(HKEY_CURRENT_USER, kMenuOrder));
+  const int count = countEntries(ShellList::MenuOrder, session_);
+  if (!asked(withCount("Force Start Menu items alphabetical?", count,
+                       {"stored order", "stored orders"}))) {
+    return;
   }
-  if (status == ERROR_SUCCESS) status = change.commit();
-  if (status != ERROR_SUCCESS) return fail("The order of the Start menu", status);
-  tell("Operation complete.", kIconInformation);
+  if (!cleared(ShellList::MenuOrder, "The order of the Start menu")) return;
+  tell(count == 0 ? "Operation complete.\r\nNo menu had an order of its own."
+                  : "Operation complete.",
+       kIconInformation);
 }
 
 void CommandButtons::cmdChangePrintSpool_Click() {
   const auto folder =
       session_.prompts().pickFolder("Identify a new default printer spool directory.");
   if (!folder || folder->empty()) return;
-  if (!write(HKEY_LOCAL_MACHINE, kPrinters, kSpoolDirectory, *folder)) return;
+  if (!write(kPrinters, kSpoolDirectory, *folder, "The spool directory")) return;
   p_DetermineDefaultPrintSpoolDir();
   tell("Default spool directory successfully changed.", kIconInformation);
 }
@@ -175,7 +183,7 @@ void CommandButtons::cmdInstallPath_Click() {
       session_.prompts().inputBox("Type the new source path for Windows to search at.",
                                   "Change Windows's source path", present);
   if (!path || path->empty() || *path == present) return;
-  if (!write(HKEY_LOCAL_MACHINE, kSetup, kSourcePath, *path)) return;
+  if (!write(kSetup, kSourcePath, *path, "Windows's source path")) return;
   form_.StatusText = "Windows's source path is now " + *path;
 }
 
@@ -183,35 +191,43 @@ void CommandButtons::cmdBrowse_Click() {
   const auto folder =
       session_.prompts().pickFolder("Identify the folder where registry settings will be stored.");
   if (!folder || folder->empty()) return;
-  if (write(HKEY_LOCAL_MACHINE, kConfiguration, kRegPath, *folder)) showRegPath();
+  if (write(kConfiguration, kRegPath, *folder, "The folder of saved settings")) showRegPath();
 }
 
 void CommandButtons::cmdClearDOCSNow_Click() {
-  clear(ShellList::Documents, "Clear documents from Start Menu now?", "documents");
+  clear(ShellList::Documents, "Clear documents from Start Menu now?", {"document", "documents"});
 }
 
 void CommandButtons::cmdClearIEURLList_Click() {
-  clear(ShellList::TypedAddresses, "Clear Internet Explorer's URL list now?", "addresses");
+  clear(ShellList::TypedAddresses, "Clear Internet Explorer's URL list now?",
+        {"address", "addresses"});
 }
 
 void CommandButtons::cmdClearMRUs_Click() {
-  clear(ShellList::All, "Clear all MRU lists now?", "entries");
+  clear(ShellList::All, "Clear all MRU lists now?", {"entry", "entries"});
 }
 
-void CommandButtons::cmdClearRUN_Click() { clear(ShellList::RunCommands, "", "commands"); }
+void CommandButtons::cmdClearRUN_Click() {
+  clear(ShellList::RunCommands, "", {"command", "commands"});
+}
 
-void CommandButtons::clear(ShellList list, std::string_view question, std::string_view what) {
+void CommandButtons::clear(ShellList list, std::string_view question, const Noun& noun) {
   const int count = countEntries(list, session_);
-  if (!question.empty()) {
-    // What is cleared cannot come back: the person may want to know how much it is.
-    const std::string text = fmt::format("{}\r\n({} {})", question, count, what);
-    if (!session_.g_bNoShowConfirmation && !asked(text)) return;
-  }
+  const bool asks = !question.empty() && !session_.g_bNoShowConfirmation;
+  if (asks && !asked(withCount(question, count, noun))) return;
+  if (!cleared(list, "The list")) return;
+  tell(count == 0 ? "There was nothing to clear." : fmt::format("{} cleared.", noun.of(count)),
+       kIconInformation);
+}
+
+bool CommandButtons::cleared(ShellList list, std::string_view what) {
   const Status status = clearList(list, session_);
-  if (status != ERROR_SUCCESS) return fail("The list", status);
-  session_.registry().flush();
-  form_.StatusText = count == 0 ? std::string("There was nothing to clear.")
-                                : fmt::format("{} {} cleared.", count, what);
+  session_.trace.dump("lRetVal&", status);
+  if (status != ERROR_SUCCESS) {
+    fail(what, status);
+    return false;
+  }
+  return engine::finishApply(session_, {});
 }
 
 void CommandButtons::cmdMSConfig_Click() { start("msconfig.exe"); }
@@ -234,16 +250,19 @@ bool CommandButtons::asked(const std::string& question) {
                                        foundation::kAppTitle) == Answer::Yes;
 }
 
-bool CommandButtons::write(HKEY root, std::string_view key, std::string_view name,
-                           const std::string& text) {
+bool CommandButtons::write(std::string_view key, std::string_view name, const std::string& text,
+                           std::string_view what) {
   Status status = ERROR_SUCCESS;
-  foundation::P_WriteRegValue(session_, root, key, name, text, KEY_ALL_ACCESS, true, &status);
-  if (status == ERROR_SUCCESS) status = session_.registry().flush();
-  if (status != ERROR_SUCCESS) fail(std::string(name), status);
-  return status == ERROR_SUCCESS;
+  foundation::P_WriteRegValue(session_, HKEY_LOCAL_MACHINE, key, name, text, KEY_ALL_ACCESS, true,
+                              &status);
+  if (status != ERROR_SUCCESS) {
+    fail(what, status);
+    return false;
+  }
+  return engine::finishApply(session_, {});
 }
 
-void CommandButtons::fail(const std::string& what, Status status) {
+void CommandButtons::fail(std::string_view what, Status status) {
   tell(fmt::format("{} could not be changed: {}.\r\nNothing was changed. Put the cause right and "
                    "try again.",
                    what, describeStatus(status)),

@@ -24,6 +24,12 @@ class CommandButtons : public PageSection {
   // Disables what this Windows has not, with the reason, and shows the folders.
   void load() override;
 
+  struct Noun {
+    std::string_view one;
+    std::string_view many;
+    std::string of(int count) const;  // "1 document"
+  };
+
  private:
   struct Row {
     const char* name;
@@ -49,14 +55,15 @@ class CommandButtons : public PageSection {
   void cmdMSConfig_Click();
   void cmdWinCompat_Click();
 
-  // The question first where there is one; then the list goes and the status bar says how much.
-  void clear(ShellList list, std::string_view question, std::string_view what);
+  // The question first where there is one; then the list goes and the person hears how much it was.
+  void clear(ShellList list, std::string_view question, const Noun& noun);
+  // These two tell the person what failed.
+  bool cleared(ShellList list, std::string_view what);
+  bool write(std::string_view key, std::string_view name, const std::string& text,
+             std::string_view what);
   void start(const std::string& program);
   bool asked(const std::string& question);
-  // One text value in one change; tells the person where that fails.
-  bool write(platform::HKEY root, std::string_view key, std::string_view name,
-             const std::string& text);
-  void fail(const std::string& what, platform::Status status);
+  void fail(std::string_view what, platform::Status status);
   void tell(const std::string& text, int icon);
   void p_DetermineDefaultPrintSpoolDir();
   void showRegPath();

@@ -36,6 +36,38 @@ class Defaulting {
   Session& session_;
 };
 
+void reset(const Tweak& row, Session& session, engine::RegWorker& regWorker,
+           DefaultsOutcome& outcome) {
+  if (engine::availability(row, session).kind == engine::TweakState::Kind::Unavailable) return;
+  const std::string caption = forms::plainCaption(engine::onMachine(row, session).caption);
+  const std::string before = standing(row, session);
+  bool raised = true;  // until it comes back
+  bool done = false;
+  foundation::guarded(session, std::string(row.property), [&] {
+    done = regWorker.call(row.property);
+    raised = false;
+  });
+  if (!done) {
+    outcome.failed.push_back(fmt::format(
+        "{}: {}.", caption,
+        raised ? "an error, which the log names" : platform::describeStatus(regWorker.lastStatus)));
+  } else if (standing(row, session) != before) {
+    outcome.changed.push_back(caption);
+  }
+}
+
+// Of many the first ones.
+std::string shortened(const std::vector<std::string>& lines) {
+  std::string text;
+  for (std::size_t i = 0; i < lines.size() && i < kMostNamed; ++i) {
+    text += fmt::format("{}{}", foundation::kCrLf, lines[i]);
+  }
+  if (lines.size() > kMostNamed) {
+    text += fmt::format("{}and {} more", foundation::kCrLf, lines.size() - kMostNamed);
+  }
+  return text;
+}
+
 }  // namespace
 
 DefaultsOutcome restoreDefaults(Session& session, engine::RegWorker& regWorker,
@@ -45,21 +77,9 @@ DefaultsOutcome restoreDefaults(Session& session, engine::RegWorker& regWorker,
   DefaultsOutcome outcome;
   const Defaulting mode(session);
   const auto& rows = engine::allTweaks();
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    const Tweak& tweak = *rows[i];
+  for (std::size_t i = 0; i < rows.size() && !session.endRequested(); ++i) {
     progress(static_cast<int>(i * 100 / rows.size()));
-    if (engine::availability(tweak, session).kind == engine::TweakState::Kind::Unavailable) {
-      continue;
-    }
-    const std::string before = standing(tweak, session);
-    bool done = false;
-    foundation::guarded(session, std::string(tweak.property),
-                        [&] { done = regWorker.call(tweak.property); });
-    if (!done) {
-      outcome.failed.push_back({std::string(tweak.property), regWorker.lastStatus});
-    } else if (standing(tweak, session) != before) {
-      outcome.changed.push_back(forms::plainCaption(engine::onMachine(tweak, session).caption));
-    }
+    reset(*rows[i], session, regWorker, outcome);
   }
   for (int bank = 1; bank <= static_cast<int>(Bank::DrWat); ++bank) {
     pending.discard(static_cast<Bank>(bank));
@@ -68,26 +88,19 @@ DefaultsOutcome restoreDefaults(Session& session, engine::RegWorker& regWorker,
 }
 
 std::string describeDefaults(const DefaultsOutcome& outcome) {
+  const std::size_t changes = outcome.changed.size();
   std::string text;
-  if (outcome.changed.empty()) {
-    text = "Every setting has its default already.";
+  if (changes > 0) {
+    text = changes == 1 ? std::string("1 setting was reset to its default:")
+                        : fmt::format("{} settings were reset to their defaults:", changes);
+    text += shortened(outcome.changed);
   } else {
-    text = outcome.changed.size() == 1
-               ? std::string("1 setting was reset to its default:")
-               : fmt::format("{} settings were reset to their defaults:", outcome.changed.size());
-    for (std::size_t i = 0; i < outcome.changed.size() && i < kMostNamed; ++i) {
-      text += fmt::format("\r\n{}", outcome.changed[i]);
-    }
-    if (outcome.changed.size() > kMostNamed) {
-      text += fmt::format("\r\nand {} more", outcome.changed.size() - kMostNamed);
-    }
+    text =
+        outcome.failed.empty() ? "Every setting has its default already." : "No setting was reset.";
   }
   if (outcome.failed.empty()) return text;
-  text += fmt::format("\r\n\r\n{} could not be reset:", outcome.failed.size());
-  for (const engine::FailedRoutine& failure : outcome.failed) {
-    text += fmt::format("\r\n{}: {}.", failure.property, platform::describeStatus(failure.status));
-  }
-  return text;
+  return fmt::format("{}\r\n\r\n{} could not be reset:{}\r\nPut the cause right and try again.",
+                     text, outcome.failed.size(), shortened(outcome.failed));
 }
 
 }  // namespace korvex::main_window

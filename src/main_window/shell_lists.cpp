@@ -33,6 +33,7 @@ struct ListRow {
 constexpr std::string_view kExplorer = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
 constexpr std::string_view kApplets = "Software\\Microsoft\\Windows\\CurrentVersion\\Applets";
 constexpr std::string_view kBrowser = "Software\\Microsoft\\Internet Explorer";
+constexpr std::string_view kPlayer = "Software\\Microsoft\\MediaPlayer\\Player";
 constexpr std::string_view kSearchBar =
     "Software\\Microsoft\\Internet Explorer\\Explorer Bars\\"
     "{C4EE31F3-4768-11D2-BE5C-00A0C9A83DA1}";
@@ -41,6 +42,7 @@ constexpr std::array kLists{
     ListRow{ShellList::Documents, kExplorer, "RecentDocs"},
     ListRow{ShellList::TypedAddresses, kBrowser, "TypedURLs"},
     ListRow{ShellList::RunCommands, kExplorer, "RunMRU"},
+    ListRow{ShellList::MenuOrder, kExplorer, "MenuOrder"},
     ListRow{ShellList::All, kExplorer, "RecentDocs"},
     ListRow{ShellList::All, kExplorer, "RunMRU"},
     ListRow{ShellList::All, kExplorer, "Doc Find Spec MRU"},
@@ -56,6 +58,8 @@ constexpr std::array kLists{
     ListRow{ShellList::All, kApplets, "Wordpad\\Recent File List"},
     ListRow{ShellList::All, kApplets, "Paint\\Recent File List"},
     ListRow{ShellList::All, kApplets, "Regedit", "LastKey"},
+    ListRow{ShellList::All, kPlayer, "RecentFileList"},
+    ListRow{ShellList::All, kPlayer, "RecentURLList"},
 };
 
 // A list's own book-keeping is no entry of it.
@@ -92,39 +96,44 @@ int countRow(Session& session, const ListRow& row) {
              : 0;
 }
 
-// The shortcuts of the Documents menu; what makes the folder special stays.
-std::vector<std::string> documents(Session& session) {
-  std::vector<std::string> paths;
-  std::vector<platform::FileEntry> entries;
+// The shortcuts of the Documents menu; what makes the folder special stays. A folder that is not
+// there has none.
+Status listDocuments(Session& session, std::vector<std::string>& paths) {
   const std::string& folder = session.pd.RecentPath;
-  if (folder.empty()) return paths;
-  session.files().list(folder + "\\*.*", entries);
+  if (folder.empty()) return ERROR_SUCCESS;
+  std::vector<platform::FileEntry> entries;
+  const Status status = session.files().list(folder + "\\*.*", entries);
+  if (status == platform::ERROR_PATH_NOT_FOUND) return ERROR_SUCCESS;
   for (const platform::FileEntry& entry : entries) {
     const bool isFolder = (entry.attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
     if (!isFolder && !engine::sameName(entry.name, "desktop.ini")) {
       paths.push_back(folder + '\\' + entry.name);
     }
   }
-  return paths;
+  return engine::missingIsFine(status);
 }
 
 Status removeDocuments(Session& session, platform::Files& files) {
-  for (const std::string& path : documents(session)) {
+  std::vector<std::string> paths;
+  Status status = listDocuments(session, paths);
+  for (const std::string& path : paths) {
     std::uint32_t attributes = 0;
-    Status status = files.attributes(path, attributes);
+    if (status == ERROR_SUCCESS) status = files.attributes(path, attributes);
     if (status == ERROR_SUCCESS && (attributes & platform::FILE_ATTRIBUTE_READONLY) != 0) {
       status = files.setAttributes(path, attributes & ~platform::FILE_ATTRIBUTE_READONLY);
     }
     if (status == ERROR_SUCCESS) status = files.remove(path);
-    if (status != ERROR_SUCCESS) return status;
   }
-  return ERROR_SUCCESS;
+  return status;
 }
 
 }  // namespace
 
 int countEntries(ShellList list, Session& session) {
-  if (list == ShellList::Documents) return static_cast<int>(documents(session).size());
+  std::vector<std::string> paths;
+  if (list == ShellList::Documents) listDocuments(session, paths);
+  // The registry names the same documents once more.
+  if (!paths.empty()) return static_cast<int>(paths.size());
   int count = 0;
   for (const ListRow& row : kLists) {
     if (row.list == list) count += countRow(session, row);

@@ -1,5 +1,5 @@
 // The lists of what was used last, which a person may want gone: documents, typed addresses, the
-// Run list and all the others.
+// Run list and all the others; and the order that the items of the menus were dragged into.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace korvex::main_window {
 
-enum class ShellList : std::uint8_t { Documents, TypedAddresses, RunCommands, All };
+enum class ShellList : std::uint8_t { Documents, TypedAddresses, RunCommands, MenuOrder, All };
 
 // How many entries there are to clear. Reads only.
 int countEntries(ShellList list, foundation::Session& session);
