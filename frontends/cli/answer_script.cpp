@@ -70,6 +70,10 @@ Answer AnswerScript::messageBox(std::string_view text, int style, std::string_vi
     show(message);
     return Answer::Ok;
   }
+  if (unanswered_ == Unanswered::FirstButton && answers_.empty()) {
+    const std::string first = message.buttons.substr(0, message.buttons.find('/'));
+    answers_.push_back({ScriptedAnswer::Kind::Button, first, first});
+  }
   const bool fits = failure_.empty() && !answers_.empty() &&
                     answers_.front().kind == ScriptedAnswer::Kind::Button &&
                     offers(message.buttons, answers_.front().text);
@@ -80,7 +84,7 @@ Answer AnswerScript::messageBox(std::string_view text, int style, std::string_vi
   show(message);
   if (!fits) {
     fail(text, message.buttons);
-    return offers(message.buttons, "cancel") ? Answer::Cancel : Answer::No;
+    return Answer::Cancel;
   }
   for (const AnswerRow& row : kAnswers) {
     if (row.word == message.answer) return row.answer;

@@ -26,13 +26,19 @@ struct ShownMessage {
   std::string answer;   // "" where none was left
 };
 
+// What becomes of a question that no answer was given for: the command fails, or, in a rehearsal,
+// the first button is pressed.
+enum class Unanswered { Fails, FirstButton };
+
 // A box with nothing but OK answers itself. Every other question takes the next answer; "cancel"
-// fits input boxes and pickers too. A question without an answer that fits is answered with the
-// safe button (Cancel, or No), and failure() tells about it: the command then takes everything
-// back.
+// fits input boxes and pickers too. A question without an answer that fits is answered with
+// Cancel, whatever its buttons (No may mean something), and failure() tells about it: the command
+// then takes everything back.
 class AnswerScript : public platform::Prompts {
  public:
-  explicit AnswerScript(std::deque<ScriptedAnswer> answers = {}) : answers_(std::move(answers)) {}
+  explicit AnswerScript(std::deque<ScriptedAnswer> answers = {},
+                        Unanswered unanswered = Unanswered::Fails)
+      : answers_(std::move(answers)), unanswered_(unanswered) {}
 
   std::function<void(const ShownMessage&)> onMessage;
 
@@ -56,6 +62,7 @@ class AnswerScript : public platform::Prompts {
   void fail(std::string_view question, std::string_view buttons);
 
   std::deque<ScriptedAnswer> answers_;
+  Unanswered unanswered_;
   std::string failure_;
   std::string lastText_;
   int refusals_ = 0;

@@ -23,7 +23,7 @@ AfterError ErrorHandler(Session& session, std::string_view sRoutine, const Runti
     const Answer answer = session.prompts().messageBox(
         fmt::format("{} An error occurred processing:  {}\r\n\r\nContinue?", what, sRoutine),
         kIconCritical | kButtonsYesNo, kAppTitle);
-    if (answer != Answer::No) return AfterError::GoOn;
+    if (answer == Answer::Yes) return AfterError::GoOn;
   }
   session.requestEnd();
   return AfterError::EndProgram;
