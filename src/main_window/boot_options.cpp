@@ -190,9 +190,10 @@ std::string BootOptions::masterFile() const {
 }
 
 void BootOptions::disable(std::string_view reason) {
-  for (const Option& option : options_) {
+  for (Option& option : options_) {
     option.control->Enabled = false;
     option.control->ToolTipText = std::string(reason);
+    option.stored = shown(option);
   }
   cmdRestoreMSDOSSYS_.Enabled = false;
   cmdRestoreMSDOSSYS_.ToolTipText = std::string(reason);
