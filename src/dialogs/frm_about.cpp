@@ -24,12 +24,12 @@ frmAbout::frmAbout(foundation::Session& session) : Form(kName, "About Korvex"), 
   lblVersion.Caption = "Version " KORVEX_VERSION;
   lblPurpose.Caption = "Tunes Windows 95, 98, Millennium, NT 4 and 2000.";
   cmdOK.Click += [this] { close(); };
-  layout =
-      Layout::column({Layout::group("Program", {Layout::of(lblProgram), Layout::of(lblVersion),
-                                                Layout::of(lblPurpose), Layout::of(lblLicence)}),
-                      Layout::group("Machine", {Layout::of(lblMachine), Layout::of(lblUser),
-                                                Layout::of(lblFolder), Layout::of(lblLog)}),
-                      Layout::row({Layout::space(), Layout::of(cmdOK)})});
+  layout = Layout::column(
+      {Layout::group("Program", {Layout::of(lblProgram), Layout::of(lblVersion),
+                                 Layout::of(lblPurpose), Layout::of(lblLicence)}),
+       Layout::group("Machine", {Layout::of(lblMachine), Layout::of(lblUser), Layout::of(lblFolder),
+                                 Layout::of(lblSettings), Layout::of(lblLog)}),
+       Layout::row({Layout::space(), Layout::of(cmdOK)})});
 }
 
 void frmAbout::Load() {
@@ -37,8 +37,7 @@ void frmAbout::Load() {
   lblMachine.Caption = plain(fmt::format("{}, version {}", machine.windows, machine.version));
   lblUser.Caption = plain(fmt::format("User {} on {}", machine.user, machine.computer));
   lblFolder.Caption = plain(fmt::format("Folder: {}", machine.folder));
-  lblLog.Caption = plain(fmt::format("Settings: HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex; log: {}",
-                                     session_.g_sAppPath + "\\kvxlog.log"));
+  lblLog.Caption = plain(fmt::format("Log: {}\\kvxlog.log", session_.g_sAppPath));
 }
 
 }  // namespace korvex::dialogs

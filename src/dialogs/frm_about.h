@@ -19,6 +19,7 @@ class frmAbout : public forms::Form {
   forms::Label lblMachine{*this, "lblMachine", ""};
   forms::Label lblUser{*this, "lblUser", ""};
   forms::Label lblFolder{*this, "lblFolder", ""};
+  forms::Label lblSettings{*this, "lblSettings", "Settings: HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex"};
   forms::Label lblLog{*this, "lblLog", ""};
   forms::Label lblLicence{*this, "lblLicence", "Free software under the MIT licence."};
   forms::CommandButton cmdOK{*this, "cmdOK", "OK", forms::CommandButton::Role::Cancel};

@@ -82,9 +82,7 @@ TEST_F(TweakDialogTest, DoneAsksBeforeItDiscardsAndLeavesNothingForALaterApply) 
 
 // A routine that finds its dialog not loaded loads it, and it stays loaded.
 TEST_F(TweakDialogTest, LoadedForARoutineItIsReadAfreshWhenShown) {
-  session.g_bDefaulting = true;
   ASSERT_TRUE(worker.call("P_rwNoDispCPL"));
-  session.g_bDefaulting = false;
   ASSERT_NE(nullptr, book.loaded(frmMoreSecurity::kName));
   registry().put(kPolicies, "NoDispCPL", "dword 1");
   host.use = [this](forms::Form& form) {
