@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -21,13 +22,19 @@ using platform::Status;
 
 namespace {
 
+// What is the list: the key with all beneath it, its own values, or one value of it.
+enum class Part : std::uint8_t { Tree, Values, OneValue };
+
 struct ListRow {
   ShellList list;
-  std::string_view parent;  // of the user
+  std::string_view parent;  // of the user; "" for a key that has none
   std::string_view key;
-  std::string_view value = {};  // "" for the whole key
+  Part part = Part::Tree;
+  std::string_view value = {};
 
-  std::string path() const { return fmt::format("{}\\{}", parent, key); }
+  std::string path() const {
+    return parent.empty() ? std::string(key) : fmt::format("{}\\{}", parent, key);
+  }
 };
 
 constexpr std::string_view kExplorer = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
@@ -48,7 +55,9 @@ constexpr std::array kLists{
     ListRow{ShellList::All, kExplorer, "Doc Find Spec MRU"},
     ListRow{ShellList::All, kExplorer, "FindComputerMRU"},
     ListRow{ShellList::All, kExplorer, "PrnPortsMRU"},
-    ListRow{ShellList::All, kExplorer, "StreamMRU"},
+    ListRow{ShellList::All, kExplorer, "StreamMRU", Part::Values},
+    ListRow{ShellList::All, kExplorer, "Wallpaper\\MRU"},
+    ListRow{ShellList::All, "", "InstallLocationsMRU"},
     ListRow{ShellList::All, kExplorer, "ComDlg32\\OpenSaveMRU"},
     ListRow{ShellList::All, kExplorer, "ComDlg32\\LastVisitedMRU"},
     ListRow{ShellList::All, kExplorer, "Map Network Drive MRU"},
@@ -57,7 +66,7 @@ constexpr std::array kLists{
     ListRow{ShellList::All, kSearchBar, "ComputerNameMRU"},
     ListRow{ShellList::All, kApplets, "Wordpad\\Recent File List"},
     ListRow{ShellList::All, kApplets, "Paint\\Recent File List"},
-    ListRow{ShellList::All, kApplets, "Regedit", "LastKey"},
+    ListRow{ShellList::All, kApplets, "Regedit", Part::OneValue, "LastKey"},
     ListRow{ShellList::All, kPlayer, "RecentFileList"},
     ListRow{ShellList::All, kPlayer, "RecentURLList"},
 };
@@ -67,28 +76,38 @@ bool isOrder(std::string_view name) {
   return name.empty() || engine::sameName(name, "MRUList") || engine::sameName(name, "MRUListEx");
 }
 
-int countValues(Session& session, const std::string& path) {
+// Names of a key's values; none where it is missing.
+Status listValues(Session& session, const std::string& path, std::vector<std::string>& names) {
   platform::Registry& registry = session.registry();
   const platform::OpenKey key(registry, HKEY_CURRENT_USER, path, platform::KEY_READ);
-  if (key.status() != ERROR_SUCCESS) return 0;
-  int count = 0;
+  if (key.status() != ERROR_SUCCESS) return engine::missingIsFine(key.status());
   char name[platform::kNameBufferBytes];
   for (std::uint32_t i = 0;; ++i) {
     std::uint32_t length = sizeof name;
-    if (registry.RegEnumValueA(key.get(), i, name, &length, nullptr, nullptr, nullptr) !=
-        ERROR_SUCCESS) {
-      break;
-    }
-    if (!isOrder({name, length})) ++count;
+    const Status status =
+        registry.RegEnumValueA(key.get(), i, name, &length, nullptr, nullptr, nullptr);
+    if (status == platform::ERROR_NO_MORE_ITEMS) return ERROR_SUCCESS;
+    if (status != ERROR_SUCCESS) return status;
+    names.emplace_back(name, length);
   }
+}
+
+int countValues(Session& session, const std::string& path, Part part) {
+  std::vector<std::string> names;
+  listValues(session, path, names);
+  auto count = static_cast<int>(
+      std::ranges::count_if(names, [](const std::string& name) { return !isOrder(name); }));
+  if (part != Part::Tree) return count;
   std::vector<std::string> children;
-  engine::listSubKeys(registry, HKEY_CURRENT_USER, path, platform::KEY_READ, children);
-  for (const std::string& child : children) count += countValues(session, path + '\\' + child);
+  engine::listSubKeys(session.registry(), HKEY_CURRENT_USER, path, platform::KEY_READ, children);
+  for (const std::string& child : children) {
+    count += countValues(session, path + '\\' + child, part);
+  }
   return count;
 }
 
 int countRow(Session& session, const ListRow& row) {
-  if (row.value.empty()) return countValues(session, row.path());
+  if (row.part != Part::OneValue) return countValues(session, row.path(), row.part);
   engine::RawValue value;
   return engine::readRawValue(session.registry(), HKEY_CURRENT_USER, row.path(), row.value,
                               value) == ERROR_SUCCESS
@@ -127,6 +146,24 @@ Status removeDocuments(Session& session, platform::Files& files) {
   return status;
 }
 
+Status clearRow(Session& session, const ListRow& row) {
+  const std::string path = row.path();
+  if (row.part == Part::Tree) {
+    return engine::missingIsFine(session.regTool.DeleteRegNodes(HKEY_CURRENT_USER, path));
+  }
+  std::vector<std::string> names{std::string(row.value)};
+  Status status = ERROR_SUCCESS;
+  if (row.part == Part::Values) {
+    names.clear();
+    status = listValues(session, path, names);
+  }
+  for (const std::string& name : names) {
+    if (status != ERROR_SUCCESS) break;
+    status = engine::missingIsFine(session.regTool.DeleteRegValue(HKEY_CURRENT_USER, path, name));
+  }
+  return status;
+}
+
 }  // namespace
 
 int countEntries(ShellList list, Session& session) {
@@ -150,10 +187,7 @@ Status clearList(ShellList list, Session& session) {
   }
   for (const ListRow& row : kLists) {
     if (row.list != list || status != ERROR_SUCCESS) continue;
-    status = engine::missingIsFine(
-        row.value.empty()
-            ? session.regTool.DeleteRegNodes(HKEY_CURRENT_USER, row.path())
-            : session.regTool.DeleteRegValue(HKEY_CURRENT_USER, row.path(), row.value));
+    status = clearRow(session, row);
   }
   if (status == ERROR_SUCCESS) status = change.commit();
   if (status == ERROR_SUCCESS) files.commit();
