@@ -141,5 +141,20 @@ TEST(Program, EndAfterAnErrorClosesTheWindowWithoutAQuestion) {
   EXPECT_EQ(0, program.pendingChanges().count());
 }
 
+TEST(Program, WhatAKilledRunLeftInADialogsBankIsNotCarriedOutByTheNext) {
+  test::TestMachine machine{test::Family::Nt};
+  const std::string marker = "SOFTWARE\\Korvex\\CurrentSettingsVII\\P_rwNoDispCPL";
+  platform::HKEY key = 0;
+  std::uint32_t disposition = 0;
+  ASSERT_EQ(0, machine.registry().RegCreateKeyExA(platform::HKEY_LOCAL_MACHINE, marker,
+                                                  platform::KEY_ALL_ACCESS, key, disposition));
+  machine.registry().RegCloseKey(key);
+  test::ScriptedPrompts prompts;
+  Program program(machine.get(), prompts);
+  ASSERT_EQ(StartResult::Started, program.start());
+  EXPECT_TRUE(program.pendingChanges().waiting(engine::Bank::MoreSecurity).empty());
+  EXPECT_TRUE(program.finish());
+}
+
 }  // namespace
 }  // namespace korvex::program
