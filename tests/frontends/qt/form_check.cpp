@@ -198,11 +198,13 @@ class PageCheck {
     }
   }
 
-  // Whether the caption is the product's own, in a dialog that has more boxes than there are
-  // letters: such boxes may share one, which then goes from one to the next.
+  // Whether the caption is the product's own: of a dialog that has more boxes than there are
+  // letters, or one that a machine brings. Such boxes may share one, which then goes from one to
+  // the next.
   bool isGiven(const Control& control) const {
     const std::string& form = view_.form().name();
-    return form != "frmMain" && engine::findTweakOf(form, control.name()) != nullptr;
+    const engine::Tweak* row = engine::findTweakOf(form, control.name());
+    return row != nullptr && (form != "frmMain" || row->adapt != nullptr);
   }
 
   void takeMnemonic(const QString& text, const std::string& owner, bool given = false) {
