@@ -83,7 +83,7 @@ CommandButtons::CommandButtons(forms::Form& form, foundation::Session& session,
       formBook_(formBook),
       lblPrintSpool_(form.own<forms::Label>("lblPrintSpool", "")),
       txtRegPath_(form.own<forms::TextBox>(
-          "txtRegPath", forms::TextBoxOptions{.widthInCharacters = 40, .readOnly = true})),
+          "txtRegPath", forms::TextBoxOptions{.widthInCharacters = 30, .readOnly = true})),
       lblRegPath_(
           form.own<forms::Label>("lblRegPath", "&Folder of saved settings:", &txtRegPath_)) {
   txtRegPath_.ToolTipText = "Where registry settings are saved";
@@ -104,8 +104,8 @@ std::vector<Layout> CommandButtons::groups(Page page) {
     auto& button = *form_.find<CommandButton>(row.name);
     std::vector<Layout> parts;
     if (row.handler == &CommandButtons::cmdBrowse_Click) {
-      parts.push_back(
-          Layout::row({Layout::of(lblRegPath_), Layout::of(txtRegPath_), Layout::of(button)}));
+      parts.push_back(Layout::of(lblRegPath_));
+      parts.push_back(Layout::row({Layout::of(txtRegPath_), Layout::of(button)}));
     } else {
       if (row.handler == &CommandButtons::cmdChangePrintSpool_Click) {
         parts.push_back(Layout::of(lblPrintSpool_));
