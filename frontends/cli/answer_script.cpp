@@ -6,7 +6,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "platform/common/text.h"
+#include "cli/value_text.h"
 
 namespace korvex::cli {
 namespace {
@@ -57,10 +57,11 @@ void AnswerScript::fail(std::string_view question, std::string_view buttons) {
   // A handler that asks until it gets an answer must not hang a script.
   if (++refusals_ > kPatience) throw std::runtime_error("a question was asked again and again");
   if (!failure_.empty()) return;
+  const std::string asked = oneLine(question);
   failure_ = answers_.empty()
-                 ? fmt::format("a question has no answer left: \"{}\" ({})", question, buttons)
+                 ? fmt::format("a question has no answer left: \"{}\" ({})", asked, buttons)
                  : fmt::format("the next answer, {}, does not fit the question: \"{}\" ({})",
-                               answers_.front().step, question, buttons);
+                               answers_.front().step, asked, buttons);
 }
 
 Answer AnswerScript::messageBox(std::string_view text, int style, std::string_view title) {

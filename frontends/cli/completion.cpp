@@ -6,7 +6,9 @@
 
 #include "cli/commands.h"
 #include "cli/output.h"
+#include "cli/tweak_places.h"
 #include "engine/catalogue.h"
+#include "main_window/main_pages.h"
 #include "program/program.h"
 
 namespace korvex::cli {
@@ -53,6 +55,16 @@ std::string tweakNames() {
   return names;
 }
 
+// The words of --page that a shell can complete: a page's name may hold a blank, its key does not.
+std::string pageWords() {
+  std::string words;
+  for (const forms::Tab& tab : main_window::MainPages::tabs()) words += " " + tab.key;
+  for (const std::string& name : placeNames()) {
+    if (name.starts_with("frm")) words += " " + name;
+  }
+  return words;
+}
+
 std::string formNames() {
   std::string names;
   for (const program::FormRow& row : program::Program::forms()) {
@@ -77,10 +89,16 @@ _korvex() {{
         else break; fi ;;
     esac
   done
+  # bash takes TWEAK=STATE apart at the sign.
+  if [[ $path == set && ( $cur == "=" || $prev == "=" ) ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "on off grey default" -- "${{cur#=}}"); return
+  fi
   case $prev in
     --machine) mapfile -t COMPREPLY < <(compgen -d -- "$cur"); return ;;
     --windows) words="{windows}"; path="-" ;;
     --format) words="4 5"; path="-" ;;
+    --page) words="{pages}"; path="-" ;;
+    --answer) words="yes no ok cancel"; path="-" ;;
   esac
   case $path in
     -) ;;
@@ -88,13 +106,16 @@ _korvex() {{
 {cases}    *) words="{options}" ;;
   esac
   case $path in
-    show) words+="{tweaks}" ;;
-    set) words+="{tweaks}" ;;
+    show|set)
+      local tweaks="{tweaks}"
+      # The names are known without their prefix too.
+      [[ -n $cur && $cur != P* ]] && tweaks=${{tweaks//P_rw/}}
+      words+=$tweaks ;;
     "form show"|"form run") words+="{forms}" ;;
     "machine create"|"reg import"|"reg export")
       mapfile -t COMPREPLY < <(compgen -W "$words" -f -- "$cur"); return ;;
   esac
-  [[ $path == set ]] && compopt -o nospace
+  [[ $path == set && $cur != -* ]] && compopt -o nospace
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$cur")
 }}
 complete -o filenames -F _korvex korvex
@@ -107,7 +128,8 @@ std::string bashScript(const CLI::App& app) {
                      fmt::arg("windows", "95 98 me nt4 2000 2000-server"),
                      fmt::arg("top", commandNames(app) + optionNames(app)),
                      fmt::arg("cases", cases), fmt::arg("options", optionNames(app)),
-                     fmt::arg("tweaks", tweakNames()), fmt::arg("forms", formNames()));
+                     fmt::arg("pages", pageWords()), fmt::arg("tweaks", tweakNames()),
+                     fmt::arg("forms", formNames()));
 }
 
 }  // namespace

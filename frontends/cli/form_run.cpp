@@ -162,9 +162,10 @@ ExitCode runForm(Context& context, const std::string& form, const std::vector<st
     // What happened is told, and then taken back.
     transcript.addChanges();
     if (!context.json) context.out << transcript.text();
-    throw FailureWithEvents(failure.code(), failure.kind(),
-                            failure.what() + std::string(" Nothing of this run was kept."),
-                            transcript.json());
+    throw FailureWithEvents(
+        failure.code(), failure.kind(),
+        failure.what() + std::string(" Nothing of this run was kept.") + run.takeFilesBack(),
+        transcript.json());
   }
   printResult(context, transcript, prompts);
   return ExitCode::Done;

@@ -1,17 +1,15 @@
 // list: every tweak and how it stands on the machine. Reads the machine without any form.
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <ostream>
 
 #include "cli/answer_script.h"
 #include "cli/commands.h"
+#include "cli/manual.h"
 #include "cli/tweak_json.h"
-#include "cli/tweak_names.h"
-#include "engine/catalogue.h"
+#include "cli/tweak_places.h"
 #include "engine/readers.h"
 #include "forms/control.h"
-#include "main_window/main_pages.h"
 #include "main_window/start_up.h"
 #include "platform/common/text.h"
 
@@ -24,22 +22,8 @@ using engine::TweakState;
 struct ListOptions {
   std::string page;
   std::string search;
+  bool manual = false;
 };
-
-// Throws Failure (Usage) for what is no page. "Win Tweaks" is also found as "wintweaks".
-engine::Page pageNamed(const std::string& name) {
-  const auto tabs = main_window::MainPages::tabs();
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < tabs.size(); ++i) {
-    if (platform::sameName(tabs[i].caption, name) || platform::sameName(tabs[i].key, name)) {
-      return static_cast<engine::Page>(i + 1);
-    }
-    names.push_back(tabs[i].caption);
-  }
-  throw Failure(ExitCode::Usage, "unknown-page",
-                fmt::format("There is no page '{}'. The pages are: {}.", printable(name),
-                            fmt::join(names, ", ")));
-}
 
 bool mentions(const Tweak& tweak, const std::string& foldedSearch) {
   for (const std::string_view text : {tweak.property, tweak.key, tweak.value, tweak.toolTip}) {
@@ -49,28 +33,43 @@ bool mentions(const Tweak& tweak, const std::string& foldedSearch) {
   return platform::foldName(caption).find(foldedSearch) != std::string::npos;
 }
 
-std::vector<const Tweak*> chosen(const ListOptions& options) {
-  const std::string search = platform::foldName(options.search);
-  std::vector<const Tweak*> result = engine::allTweaks();
-  if (!options.page.empty()) {
-    const engine::Page page = pageNamed(options.page);
-    std::erase_if(result, [page](const Tweak* tweak) { return tweak->page != page; });
-  }
-  std::erase_if(result, [&search](const Tweak* tweak) { return !mentions(*tweak, search); });
-  std::stable_sort(result.begin(), result.end(),
-                   [](const Tweak* a, const Tweak* b) { return a->page < b->page; });
-  return result;
+// One tweak as this machine has it.
+struct Line {
+  Tweak tweak;
+  TweakState state;
+  std::string text;  // of a text row
+};
+
+std::string lineText(const Line& line) {
+  const Tweak& tweak = line.tweak;
+  std::string caption = forms::plainCaption(tweak.caption);
+  if (isTextRow(tweak)) caption += fmt::format(": {}", printable(line.text));
+  std::string text =
+      fmt::format("  {:<11}  {:<30}  {}\n", stateName(tweak, line.state), tweak.property, caption);
+  if (!line.state.reason.empty()) text += fmt::format("{:15}{}\n", "", line.state.reason);
+  return text;
 }
 
-std::string line(const Tweak& tweak, const TweakState& state, const std::string& text) {
-  std::string caption = forms::plainCaption(tweak.caption);
-  if (isTextRow(tweak)) caption += fmt::format(": {}", printable(text));
-  if (state.kind == TweakState::Kind::Unavailable) caption += fmt::format("  ({})", state.reason);
-  return fmt::format("  {:<11}  {:<28}  {}\n", stateName(state.kind), tweak.property, caption);
+// The tweaks of one place that are looked for.
+std::vector<Line> read(const TweakPlace& place, const std::string& search,
+                       foundation::Session& session, engine::StateReader& reader) {
+  std::vector<Line> lines;
+  for (const Tweak* row : place.tweaks) {
+    const Tweak tweak = engine::onMachine(*row, session);
+    if (!search.empty() && !mentions(*row, search) && !mentions(tweak, search)) continue;
+    const std::string text = isTextRow(*row) ? engine::readText(*row, session) : "";
+    lines.push_back({tweak, rowState(tweak, reader.state(*row), text), text});
+  }
+  return lines;
 }
 
 ExitCode list(Context& context, const ListOptions& options) {
-  const std::vector<const Tweak*> tweaks = chosen(options);
+  if (options.manual) {
+    context.out << manualText();
+    return ExitCode::Done;
+  }
+  const auto places = options.page.empty() ? tweakPlaces() : placesNamed(options.page);
+  const std::string search = platform::foldName(options.search);
   const auto machine = context.openMachine(platform::OpenMode::Read);
   AnswerScript prompts;
   foundation::Session session(*machine, prompts);
@@ -78,19 +77,15 @@ ExitCode list(Context& context, const ListOptions& options) {
 
   Json rows = Json::array();
   std::string text;
-  const Tweak* previous = nullptr;
-  for (const Tweak* tweak : tweaks) {
-    const TweakState state = rowState(*tweak, session);
-    const std::string field = isTextRow(*tweak) ? engine::readText(*tweak, session) : "";
-    if (context.json) {
-      rows.push_back(tweakJson(*tweak, state, field));
-      continue;
+  engine::StateReader reader(session);
+  for (const TweakPlace& place : places) {
+    const std::vector<Line> lines = read(place, search, session, reader);
+    if (lines.empty()) continue;
+    text += fmt::format("{}{}\n", text.empty() ? "" : "\n", place.title);
+    for (const Line& line : lines) {
+      if (context.json) rows.push_back(tweakJson(line.tweak, line.state, line.text));
+      text += lineText(line);
     }
-    if (previous == nullptr || previous->page != tweak->page) {
-      text += fmt::format("{}{}\n", previous == nullptr ? "" : "\n", engine::pageName(tweak->page));
-    }
-    text += line(*tweak, state, field);
-    previous = tweak;
   }
   if (context.json) {
     Json json = document();
@@ -98,7 +93,7 @@ ExitCode list(Context& context, const ListOptions& options) {
     print(context.out, json);
   } else {
     context.out << text;
-    if (tweaks.empty()) context.note("No tweak matches.");
+    if (text.empty()) context.note("No tweak matches.");
   }
   return ExitCode::Done;
 }
@@ -107,16 +102,26 @@ ExitCode list(Context& context, const ListOptions& options) {
 
 void addListCommand(CLI::App& app, Run& run) {
   const auto options = std::make_shared<ListOptions>();
-  CLI::App* command = addCommand(app, "list", "List the tweaks and how they stand on the machine",
-                                 "  korvex list\n"
-                                 "  korvex list --page Security\n"
-                                 "  korvex --json list --search NoRun");
-  command->add_option("--page", options->page, "Only this page: Security, Options, ...")
+  CLI::App* command =
+      addCommand(app, "list", "List the tweaks and how they stand on the machine",
+                 "  korvex list\n"
+                 "  korvex list --page Security\n"
+                 "  korvex list --page frmMoreSecurity\n"
+                 "  korvex --json list --search NoRun\n"
+                 "\n"
+                 "A page is listed with the dialogs that continue it. A routine has no box; 'set'\n"
+                 "can run it with the state default.");
+  command
+      ->add_option("--page", options->page,
+                   "Only this page or dialog: Security, frmMoreSecurity, ...")
       ->type_name("PAGE");
   command
       ->add_option("--search", options->search,
                    "Only tweaks with this text in name, caption, tool tip, key or value")
       ->type_name("TEXT");
+  // For those who work on Korvex: docs/tweaks.md.
+  command->add_flag("--manual", options->manual, "Print the manual's page of all tweaks")
+      ->group("");
   command->callback(
       [&run, options] { run = [options](Context& context) { return list(context, *options); }; });
 }

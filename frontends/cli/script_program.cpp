@@ -14,6 +14,13 @@ std::unique_ptr<platform::InstanceClaim> claimFor(platform::Machine& machine, Ru
   return claim(machine);
 }
 
+platform::MachineParts partsOf(platform::Registry& registry, platform::Files& files) {
+  platform::MachineParts parts;
+  parts.registry = &registry;
+  parts.files = &files;
+  return parts;
+}
+
 constexpr program::StartOptions kScripted{.doubleLoadWarning = false, .askBeforeDiscarding = false};
 
 }  // namespace
@@ -25,8 +32,12 @@ ScriptProgram::ScriptProgram(platform::Machine& machine, AnswerScript& prompts, 
       pretending_(machine.registry()),
       recording_(kind == RunKind::Rehearse ? static_cast<platform::Registry&>(pretending_)
                                            : machine.registry()),
-      scripted_(machine, {.registry = &recording_}, claimFor(machine, kind)),
-      log_(recording_, verbose),
+      pretendingFiles_(machine.files()),
+      fileChange_(kind == RunKind::Rehearse ? static_cast<platform::Files&>(pretendingFiles_)
+                                            : machine.files()),
+      recordingFiles_(fileChange_),
+      scripted_(machine, partsOf(recording_, recordingFiles_), claimFor(machine, kind)),
+      log_(recording_, recordingFiles_, verbose),
       change_(recording_),
       program_(scripted_, prompts, kScripted) {
   if (change_.status() != platform::ERROR_SUCCESS) {
@@ -54,10 +65,18 @@ void ScriptProgram::finish(std::string_view form) {
 
 void ScriptProgram::commit() {
   Status status = change_.commit();
+  // The files were whole at each step; from here on the registry stands for them.
+  if (status == platform::ERROR_SUCCESS) fileChange_.commit();
   if (status == platform::ERROR_SUCCESS) status = machine_.registry().flush();
   if (status != platform::ERROR_SUCCESS) {
     throw registryFailure(status, "The changes could not be written, so nothing was changed");
   }
+}
+
+std::string ScriptProgram::takeFilesBack() {
+  const Status status = fileChange_.rollback();
+  if (status == platform::ERROR_SUCCESS) return "";
+  return " But not every file could be put back: " + platform::describeStatus(status) + ".";
 }
 
 }  // namespace korvex::cli

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <ostream>
 
 #include "cli/commands.h"
 #include "cli/form_driver.h"
 #include "cli/registry_access.h"
 #include "cli/script_program.h"
+#include "cli/steps.h"
 #include "cli/tweak_json.h"
 #include "cli/tweak_names.h"
 #include "engine/readers.h"
@@ -38,6 +40,11 @@ constexpr std::array kWords{WordRow{"on", forms::vbChecked}, WordRow{"off", form
 constexpr std::string_view kDefaultWord = "default";
 constexpr int kModeOfTheBoxItself = 0;
 
+struct SetOptions {
+  std::vector<std::string> wishes;
+  std::vector<std::string> answers;
+};
+
 Failure badWish(const std::string& argument, std::string_view why) {
   return {ExitCode::Usage, "bad-state", fmt::format("'{}': {}", printable(argument), why)};
 }
@@ -52,6 +59,9 @@ Wish parseWish(const std::string& argument) {
   wish.typed = argument.substr(equals + 1);
   wish.byDefault = wish.typed == kDefaultWord;
   if (wish.byDefault || isTextRow(*wish.tweak)) return wish;
+  if (isRoutine(*wish.tweak)) {
+    throw badWish(argument, "this is a routine without a box; only default can be asked for.");
+  }
   const auto word = std::find_if(kWords.begin(), kWords.end(),
                                  [&wish](const WordRow& row) { return row.word == wish.typed; });
   if (word == kWords.end()) throw badWish(argument, "use on, off, grey or default.");
@@ -77,7 +87,7 @@ std::vector<Wish> parseWishes(const std::vector<std::string>& arguments) {
 
 std::string stateText(const Tweak& tweak, foundation::Session& session) {
   if (isTextRow(tweak)) return engine::readText(tweak, session);
-  return std::string(stateName(engine::readState(tweak, session).kind));
+  return std::string(stateName(tweak, engine::readState(tweak, session)));
 }
 
 void readBefore(std::vector<Wish>& wishes, foundation::Session& session) {
@@ -95,9 +105,9 @@ void readBefore(std::vector<Wish>& wishes, foundation::Session& session) {
 void throwIfUnanswered(const AnswerScript& prompts) {
   if (prompts.failure().empty()) return;
   throw Failure(ExitCode::Failed, "unanswered-question",
-                prompts.failure() +
-                    " Use 'korvex form run', which takes answers. Nothing was "
-                    "changed.");
+                fmt::format("{}. Give the answer with --answer, once for each question, in their "
+                            "order. Nothing was changed.",
+                            prompts.failure()));
 }
 
 [[noreturn]] void refused(const Wish& wish, const AnswerScript& prompts) {
@@ -126,6 +136,10 @@ void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_v
       wish.applied = wish.typed != wish.before;
     } else {
       setCheckBox(form, wish.tweak->control, wish.box);
+      throwIfUnanswered(prompts);
+      // A form may take a click back.
+      const auto* box = form.find<forms::CheckBox>(wish.tweak->control);
+      if (box == nullptr || box->Value != wish.box) refused(wish, prompts);
       wish.applied = isWaiting(script, *wish.tweak);
     }
   }
@@ -166,7 +180,8 @@ void apply(ScriptProgram& script, std::vector<Wish>& wishes, const AnswerScript&
 // What a set command has done.
 struct Outcome {
   std::vector<Wish> wishes;
-  std::vector<RegistryRecord> changes;
+  Changes changes;
+  std::vector<std::string> unusedAnswers;
   bool restartNeeded = false;   // for one of the tweaks at least
   bool restartOffered = false;  // what the window would do on leaving: the last routine decides
 };
@@ -182,10 +197,8 @@ void printJson(Context& context, const Outcome& outcome) {
                               {"applied", wish.applied},
                               {"restart", wish.tweak->reboot}});
   }
-  json["changes"] = Json::array();
-  for (const RegistryRecord& record : outcome.changes) {
-    json["changes"].push_back(recordJson(record));
-  }
+  json["changes"] = changesJson(outcome.changes);
+  json["unusedAnswers"] = outcome.unusedAnswers;
   json["restartNeeded"] = outcome.restartNeeded;
   json["restartOffered"] = outcome.restartOffered;
   print(context.out, json);
@@ -199,20 +212,18 @@ void printText(Context& context, const Outcome& outcome) {
     } else if (wish.tweak->reboot) {
       note = "  (takes effect after a restart)";
     }
-    context.out << fmt::format("{}: {} -> {}{}\n", wish.tweak->property, printable(wish.before),
-                               printable(wish.after), note);
+    const std::string change =
+        isRoutine(*wish.tweak)
+            ? "carried out"
+            : fmt::format("{} -> {}", printable(wish.before), printable(wish.after));
+    context.out << fmt::format("{}: {}{}\n", wish.tweak->property, change, note);
   }
-  for (const RegistryRecord& record : outcome.changes) context.out << recordText(record, "");
+  context.out << changesText(outcome.changes, "");
   if (outcome.changes.empty()) context.out << "Nothing had to be written.\n";
   context.out << (outcome.restartNeeded ? "A restart is needed.\n" : "No restart is needed.\n");
 }
 
-ExitCode set(Context& context, const std::vector<std::string>& arguments) {
-  std::vector<Wish> wishes = parseWishes(arguments);
-  const auto machine = context.openMachine(platform::OpenMode::ReadWrite);
-  AnswerScript prompts;
-  prompts.onMessage = [&context](const ShownMessage& message) { context.note(message.text); };
-  ScriptProgram script(*machine, prompts, RunKind::Write, context.verbose);
+Outcome carryOut(ScriptProgram& script, std::vector<Wish> wishes, const AnswerScript& prompts) {
   script.start();
   foundation::Session& session = script.program().session();
   readBefore(wishes, session);
@@ -227,9 +238,34 @@ ExitCode set(Context& context, const std::vector<std::string>& arguments) {
   }
   outcome.wishes = std::move(wishes);
   outcome.restartOffered = session.g_bRebootNeeded && !session.g_bNoShowReboot;
+  for (const ScriptedAnswer& answer : prompts.leftOver()) {
+    outcome.unusedAnswers.push_back(answer.step);
+  }
   script.finish();
   script.commit();
+  return outcome;
+}
 
+ExitCode set(Context& context, const SetOptions& options) {
+  std::vector<Wish> wishes = parseWishes(options.wishes);
+  std::deque<ScriptedAnswer> answers;
+  for (const std::string& answer : options.answers) answers.push_back(parseAnswer(answer));
+  const auto machine = context.openMachine(platform::OpenMode::ReadWrite);
+  AnswerScript prompts(std::move(answers));
+  prompts.onMessage = [&context, &prompts](const ShownMessage& message) {
+    // What follows from a question without an answer says nothing new.
+    if (prompts.failure().empty()) context.note(message.text);
+  };
+  ScriptProgram script(*machine, prompts, RunKind::Write, context.verbose);
+  Outcome outcome;
+  try {
+    outcome = carryOut(script, std::move(wishes), prompts);
+  } catch (const Failure& failure) {
+    throw Failure(failure.code(), failure.kind(), failure.what() + script.takeFilesBack());
+  }
+  for (const std::string& answer : outcome.unusedAnswers) {
+    context.note(fmt::format("korvex: {} was not needed: nothing asked for it.", answer));
+  }
   if (context.json) {
     printJson(context, outcome);
   } else {
@@ -241,23 +277,28 @@ ExitCode set(Context& context, const std::vector<std::string>& arguments) {
 }  // namespace
 
 void addSetCommand(CLI::App& app, Run& run) {
-  const auto wishes = std::make_shared<std::vector<std::string>>();
+  const auto options = std::make_shared<SetOptions>();
   CLI::App* command = addCommand(
       app, "set", "Tick the boxes of tweaks and press Apply",
       "  korvex set P_rwRun=on\n"
       "  korvex set Run=on Find=off NoFavoritesMenu=default\n"
       "  korvex set StartMenuSpeed=200\n"
+      "  korvex set ControlPanel=on --answer yes\n"
       "\n"
       "grey writes what a greyed box stands for, where a tweak has that state; default writes the\n"
-      "Windows default. Either all of it is done or nothing.");
+      "Windows default. Either all of it is done or nothing. A tweak that asks something needs an\n"
+      "answer for each question: yes, no, ok, cancel, input=TEXT, file=PATH or folder=PATH.");
   command
-      ->add_option("TWEAK=STATE", *wishes,
+      ->add_option("TWEAK=STATE", options->wishes,
                    "Property name, also without P_rw, and on, off, grey or default; for a field "
                    "its text")
       ->required()
       ->type_name("");
+  command->add_option("--answer", options->answers, "Answers the next question; can be repeated")
+      ->allow_extra_args(false)
+      ->type_name("ANSWER");
   command->callback(
-      [&run, wishes] { run = [wishes](Context& context) { return set(context, *wishes); }; });
+      [&run, options] { run = [options](Context& context) { return set(context, *options); }; });
 }
 
 }  // namespace korvex::cli

@@ -1,106 +1,59 @@
-// show: one tweak, with what its routine would write. The routine really runs, on a registry that
-// only pretends to write.
+// show: one tweak, with what its routine would write.
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <ostream>
 
 #include "cli/commands.h"
-#include "cli/key_path.h"
+#include "cli/rehearsal.h"
 #include "cli/script_program.h"
 #include "cli/tweak_json.h"
 #include "cli/tweak_names.h"
 #include "engine/catalogue.h"
-#include "engine/readers.h"
-#include "platform/common/text.h"
 
 namespace korvex::cli {
 namespace {
 
 using engine::Tweak;
-using engine::TweakState;
-using Records = std::vector<RegistryRecord>;
 
-struct Rehearsed {
-  TweakState state;
-  std::string text;  // of a text row
-  Records on, off, byDefault;
-  Records now;  // one for each value that any of them touches; "before" is what is there
-};
+bool hasBox(const Tweak& tweak) { return tweak.shape == engine::ControlShape::CheckBox; }
 
-bool sameValue(const RegistryRecord& a, const RegistryRecord& b) {
-  return platform::sameName(a.key, b.key) && platform::sameName(a.value, b.value);
-}
-
-// The value of the row itself, absent before and after.
-RegistryRecord ownValue(const Tweak& tweak) {
-  RegistryRecord record;
-  record.write = platform::RegistryWrite::DeleteValue;
-  record.key = TypedKey{tweak.root, std::string(tweak.key)}.full();
-  record.value = tweak.value;
-  return record;
-}
-
-Records rehearse(ScriptProgram& script, const Tweak& tweak) {
-  script.log().skip();
-  script.program().regWorker().call(tweak.property);
-  Records records = script.log().take();
-  const RegistryRecord own = ownValue(tweak);
-  const bool touched = std::any_of(records.begin(), records.end(),
-                                   [&own](const auto& record) { return sameValue(record, own); });
-  // Deleting what is not there leaves no record; that it would be deleted is the answer all the
-  // same.
-  if (!touched && tweak.special == nullptr) records.push_back(own);
-  return records;
-}
-
-Records rehearseChecked(ScriptProgram& script, const Tweak& tweak, forms::CheckBox& box,
-                        forms::CheckValue value) {
-  foundation::Session& session = script.program().session();
-  session.g_bNoRecord = true;
-  box.Value = value;
-  session.g_bNoRecord = false;
-  return rehearse(script, tweak);
-}
-
-void addNow(Records& now, const Records& records) {
-  for (const RegistryRecord& record : records) {
-    const bool value = record.write == platform::RegistryWrite::SetValue ||
-                       record.write == platform::RegistryWrite::DeleteValue;
-    const bool known = std::any_of(now.begin(), now.end(), [&record](const auto& earlier) {
-      return sameValue(earlier, record);
-    });
-    if (value && !known) now.push_back(record);
-  }
-}
-
-Rehearsed rehearseAll(ScriptProgram& script, const Tweak& tweak) {
-  program::Program& program = script.program();
-  Rehearsed result;
-  result.state = rowState(tweak, program.session());
-  if (isTextRow(tweak)) {
-    result.text = engine::readText(tweak, program.session());
-  } else if (auto* box = program.formBook().load(tweak.form).find<forms::CheckBox>(tweak.control)) {
-    result.on = rehearseChecked(script, tweak, *box, forms::vbChecked);
-    result.off = rehearseChecked(script, tweak, *box, forms::vbUnchecked);
-  }
-  program.session().g_bDefaulting = true;
-  result.byDefault = rehearse(script, tweak);
-  program.session().g_bDefaulting = false;
-  for (const Records* records : {&result.on, &result.off, &result.byDefault}) {
-    addNow(result.now, *records);
-  }
-  return result;
-}
-
-Json writesJson(const Records& records) {
-  Json list = Json::array();
-  for (const RegistryRecord& record : records) {
-    Json json = recordJson(record);
-    json.erase("before");
-    list.push_back(std::move(json));
+Json writesJson(const Rehearsal& rehearsal) {
+  Json list = changesJson({rehearsal.registry, rehearsal.files});
+  for (Json& change : list) {
+    if (!change.contains("path")) change.erase("before");
   }
   return list;
+}
+
+// Each message once, with the states that show it.
+struct Told {
+  ShownMessage message;
+  std::vector<std::string> states;
+  bool asks() const { return message.buttons != "ok"; }
+};
+
+std::vector<Told> toldBy(const Rehearsed& rehearsed) {
+  struct State {
+    const char* name;
+    const Rehearsal* rehearsal;
+  };
+  std::vector<Told> result;
+  for (const State& state : {State{"on", &rehearsed.on}, State{"off", &rehearsed.off},
+                             State{"default", &rehearsed.byDefault}}) {
+    for (const ShownMessage& message : state.rehearsal->messages) {
+      const auto known = std::find_if(result.begin(), result.end(), [&message](const Told& told) {
+        return told.message.text == message.text;
+      });
+      if (known == result.end()) {
+        result.push_back({message, {state.name}});
+      } else if (known->states.back() != state.name) {
+        known->states.emplace_back(state.name);
+      }
+    }
+  }
+  return result;
 }
 
 void printJson(Context& context, const Tweak& tweak, const Rehearsed& rehearsed) {
@@ -111,29 +64,68 @@ void printJson(Context& context, const Tweak& tweak, const Rehearsed& rehearsed)
     const Json before = recordJson(record)["before"];
     json["now"].push_back({{"key", record.key}, {"name", record.value}, {"value", before}});
   }
-  if (!isTextRow(tweak)) {
+  if (hasBox(tweak)) {
     json["on"] = writesJson(rehearsed.on);
     json["off"] = writesJson(rehearsed.off);
   }
   json["default"] = writesJson(rehearsed.byDefault);
+  json["messages"] = Json::array();
+  for (const Told& told : toldBy(rehearsed)) {
+    json["messages"].push_back({{"kind", told.asks() ? "asks" : "tells"},
+                                {"text", told.message.text},
+                                {"buttons", told.message.buttons},
+                                {"answer", told.message.answer},
+                                {"states", told.states}});
+  }
   print(context.out, json);
 }
 
-std::string writesText(std::string_view title, const Records& records) {
+std::string fieldText(std::string_view title, std::string_view text) {
+  return fmt::format("{:<10}{}\n", title, text);
+}
+
+std::string messagesText(const Rehearsed& rehearsed) {
   std::string text;
-  for (const RegistryRecord& record : records) {
-    std::string what;
-    if (record.write == platform::RegistryWrite::CreateKey) {
-      what = "makes the key";
-    } else if (record.write == platform::RegistryWrite::DeleteKey) {
-      what = "deletes the key";
-    } else if (record.after) {
-      what = dataText(record.after);
-    } else {
-      what = "deletes the value";
-    }
-    const std::string value = record.value.empty() ? "" : "  " + printable(record.value);
-    text += fmt::format("{:<10}{}{}: {}\n", title, printable(record.key), value, what);
+  for (const Told& told : toldBy(rehearsed)) {
+    const std::string states = fmt::format("{}", fmt::join(told.states, ", "));
+    const std::string answer =
+        told.asks() ? fmt::format(" {}; here: {}", told.message.buttons, told.message.answer) : "";
+    text += fieldText(told.asks() ? "Asks:" : "Tells:",
+                      fmt::format("{} ({}{}{})", oneLine(told.message.text), states,
+                                  answer.empty() ? "" : ";", answer));
+  }
+  return text;
+}
+
+std::string writeText(const RegistryRecord& record) {
+  const std::string name = record.value.empty() ? "" : "  " + printable(record.value);
+  std::string what;
+  if (record.write == platform::RegistryWrite::CreateKey) {
+    what = "makes the key";
+  } else if (record.write == platform::RegistryWrite::DeleteKey) {
+    what = "deletes the key";
+  } else if (record.after) {
+    what = dataText(record.after);
+  } else {
+    what = "deletes the value";
+  }
+  return fmt::format("{}{}: {}", printable(record.key), name, what);
+}
+
+std::string writesText(std::string_view title, const Rehearsal& rehearsal) {
+  std::vector<std::string> lines;
+  for (const RegistryRecord& record : rehearsal.registry) lines.push_back(writeText(record));
+  for (const FileRecord& record : rehearsal.files) {
+    lines.push_back(fmt::format("{}: {}", printable(record.path), stepText(record)));
+  }
+  if (rehearsal.failed != platform::ERROR_SUCCESS) {
+    lines = {"fails: " + platform::describeStatus(rehearsal.failed)};
+  } else if (lines.empty()) {
+    lines.emplace_back("nothing, as the machine is now");
+  }
+  std::string text;
+  for (const std::string& line : lines) {
+    text += fieldText(title, line);
     title = "";
   }
   return text;
@@ -141,13 +133,14 @@ std::string writesText(std::string_view title, const Records& records) {
 
 void printText(Context& context, const Tweak& tweak, const Rehearsed& rehearsed) {
   context.out << fmt::format("{}: {}\n", tweak.property, forms::plainCaption(tweak.caption));
-  const auto field = [&context](std::string_view name, const std::string& value) {
-    context.out << fmt::format("{:<10}{}\n", name, value);
+  const auto field = [&context](std::string_view name, std::string_view value) {
+    context.out << fieldText(name, value);
   };
-  field("Effect:", std::string(tweak.toolTip));
-  field("Where:",
-        fmt::format("page {}, {} on {}", engine::pageName(tweak.page), tweak.control, tweak.form));
-  std::string state(stateName(rehearsed.state.kind));
+  field("Effect:", tweak.toolTip);
+  field("Where:", isRoutine(tweak) ? fmt::format("page {}", engine::pageName(tweak.page))
+                                   : fmt::format("page {}, {} on {}", engine::pageName(tweak.page),
+                                                 tweak.control, tweak.form));
+  std::string state(stateName(tweak, rehearsed.state));
   if (isTextRow(tweak)) state += fmt::format(", \"{}\"", printable(rehearsed.text));
   if (!rehearsed.state.reason.empty()) state += fmt::format(" ({})", rehearsed.state.reason);
   field("State:", state);
@@ -159,18 +152,21 @@ void printText(Context& context, const Tweak& tweak, const Rehearsed& rehearsed)
                              dataText(record.before)));
     title.clear();
   }
-  context.out << writesText("On:", rehearsed.on) << writesText("Off:", rehearsed.off)
-              << writesText("Default:", rehearsed.byDefault);
+  if (hasBox(tweak)) {
+    context.out << writesText("On:", rehearsed.on) << writesText("Off:", rehearsed.off);
+  }
+  context.out << writesText("Default:", rehearsed.byDefault) << messagesText(rehearsed);
 }
 
 ExitCode show(Context& context, const std::string& name) {
-  const Tweak& tweak = tweakNamed(name);
+  const Tweak& row = tweakNamed(name);
   const auto machine = context.openMachine(platform::OpenMode::Read);
-  AnswerScript prompts;
+  AnswerScript prompts({}, Unanswered::FirstButton);
   prompts.onMessage = [&context](const ShownMessage& message) { context.note(message.text); };
   ScriptProgram script(*machine, prompts, RunKind::Rehearse, false);
   script.start();
-  const Rehearsed rehearsed = rehearseAll(script, tweak);
+  const Tweak tweak = engine::onMachine(row, script.program().session());
+  const Rehearsed rehearsed = rehearseAll(script, prompts, tweak);
   if (context.json) {
     printJson(context, tweak, rehearsed);
   } else {

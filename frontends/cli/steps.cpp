@@ -54,7 +54,26 @@ Step parseStep(const StepRow& row, const std::string& typed, const std::string& 
   return step;
 }
 
+bool isButton(const std::string& word) {
+  return std::find(kButtonWords.begin(), kButtonWords.end(), word) != kButtonWords.end();
+}
+
 }  // namespace
+
+ScriptedAnswer parseAnswer(const std::string& typed) {
+  if (isButton(typed)) return {ScriptedAnswer::Kind::Button, typed, "--answer " + typed};
+  const std::size_t equals = typed.find('=');
+  for (const AnswerRow& row : kAnswers) {
+    if (row.kind == ScriptedAnswer::Kind::Button || equals == std::string::npos) continue;
+    if (typed.substr(0, equals) == row.word) {
+      return {row.kind, typed.substr(equals + 1), "--answer " + typed};
+    }
+  }
+  throw Failure(ExitCode::Usage, "bad-answer",
+                fmt::format("'{}' is no answer: use yes, no, ok, cancel, input=TEXT, file=PATH or "
+                            "folder=PATH.",
+                            printable(typed)));
+}
 
 Script parseSteps(const std::vector<std::string>& words) {
   Script script;
@@ -75,9 +94,7 @@ Script parseSteps(const std::vector<std::string>& words) {
       script.steps.push_back(parseStep(*step, typed, rest));
       continue;
     }
-    const bool known =
-        std::find(kButtonWords.begin(), kButtonWords.end(), rest) != kButtonWords.end();
-    if (answer->kind == ScriptedAnswer::Kind::Button && !known) {
+    if (answer->kind == ScriptedAnswer::Kind::Button && !isButton(rest)) {
       throw badStep(typed, "an answer is yes, no, ok or cancel.");
     }
     script.answers.push_back({answer->kind, rest, typed});

@@ -22,6 +22,10 @@ struct Script {
   std::deque<ScriptedAnswer> answers;  // in their order, wherever they stand between the steps
 };
 
+// The value of one --answer option: yes, no, ok, cancel, input=TEXT, file=PATH or folder=PATH.
+// Throws Failure (Usage) for anything else.
+ScriptedAnswer parseAnswer(const std::string& typed);
+
 // Throws Failure (Usage) for a word that is no step.
 Script parseSteps(const std::vector<std::string>& words);
 

@@ -41,12 +41,13 @@ void Transcript::restart(std::uint32_t flags) {
 }
 
 void Transcript::addChanges() {
-  for (const RegistryRecord& record : log_.take()) {
+  const Changes changes = log_.take();
+  for (const Json& change : changesJson(changes)) {
     Json json{{"event", "change"}};
-    json.update(recordJson(record));
+    json.update(change);
     json_.push_back(std::move(json));
-    text_ += recordText(record, "    ");
   }
+  text_ += changesText(changes, "    ");
 }
 
 }  // namespace korvex::cli

@@ -2,7 +2,6 @@
 #include "cli/tweak_json.h"
 
 #include "engine/catalogue.h"
-#include "engine/readers.h"
 #include "forms/control.h"
 #include "platform/common/reg_names.h"
 
@@ -24,21 +23,26 @@ std::string_view stateName(TweakState::Kind kind) {
   return "off";
 }
 
+std::string_view stateName(const engine::Tweak& tweak, const TweakState& state) {
+  const bool routine = isRoutine(tweak) && state.kind != TweakState::Kind::Unavailable;
+  return routine ? "routine" : stateName(state.kind);
+}
+
+bool isRoutine(const engine::Tweak& tweak) { return tweak.shape == engine::ControlShape::None; }
+
 bool isTextRow(const engine::Tweak& tweak) { return tweak.shape == engine::ControlShape::TextBox; }
 
-TweakState rowState(const engine::Tweak& tweak, foundation::Session& session) {
-  TweakState state = engine::readState(tweak, session);
-  if (!isTextRow(tweak) || state.kind == TweakState::Kind::Unavailable) return state;
-  const bool changed = engine::readText(tweak, session) != tweak.byDefault.text;
-  state.kind = changed ? TweakState::Kind::On : TweakState::Kind::Off;
-  return state;
+TweakState rowState(const engine::Tweak& tweak, TweakState read, const std::string& text) {
+  if (!isTextRow(tweak) || read.kind == TweakState::Kind::Unavailable) return read;
+  read.kind = text == tweak.byDefault.text ? TweakState::Kind::Off : TweakState::Kind::On;
+  return read;
 }
 
 Json tweakJson(const engine::Tweak& tweak, const TweakState& state, const std::string& text) {
   Json json{{"property", tweak.property}, {"form", tweak.form},
             {"control", tweak.control},   {"caption", forms::plainCaption(tweak.caption)},
             {"toolTip", tweak.toolTip},   {"page", engine::pageName(tweak.page)},
-            {"group", tweak.group},       {"state", stateName(state.kind)}};
+            {"group", tweak.group},       {"state", stateName(tweak, state)}};
   if (state.kind == TweakState::Kind::Unavailable) json["reason"] = state.reason;
   if (isTextRow(tweak)) json["text"] = text;
   json["root"] = platform::rootName(tweak.root);

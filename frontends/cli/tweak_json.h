@@ -11,12 +11,17 @@
 namespace korvex::cli {
 
 std::string_view stateName(engine::TweakState::Kind kind);  // "on"
+// The same for a row; one without a control has no state of its own: "routine".
+std::string_view stateName(const engine::Tweak& tweak, const engine::TweakState& state);
 // The fields of a row and its state. text: what a text row's field shows.
 Json tweakJson(const engine::Tweak& tweak, const engine::TweakState& state,
                const std::string& text);
-// How the row stands. A text row is on where its text is not the Windows default.
-engine::TweakState rowState(const engine::Tweak& tweak, foundation::Session& session);
+// How the row stands. A text row is on where its text, as readText tells it, is not the default.
+engine::TweakState rowState(const engine::Tweak& tweak, engine::TweakState read,
+                            const std::string& text);
 
+// A routine without a control: it can only be run, as restore-defaults does.
+bool isRoutine(const engine::Tweak& tweak);
 // Whether the row is a text field: it takes a text instead of on, off and grey.
 bool isTextRow(const engine::Tweak& tweak);
 

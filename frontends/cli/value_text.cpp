@@ -217,6 +217,14 @@ std::string displayText(const Value& value) {
   return hexDigits(value.bytes);
 }
 
+std::string oneLine(std::string_view text) {
+  std::string line;
+  for (const char c : text) {
+    if (c != '\r') line += c == '\n' ? ' ' : c;
+  }
+  return printable(line);
+}
+
 Value parseValue(std::string_view typeText, const std::vector<std::string>& data) {
   const RegType type = parseType(typeText);
   if (type == REG_MULTI_SZ) return {type, parseStrings(data)};

@@ -33,6 +33,8 @@ std::uint64_t numberOf(const Value& value);
 // Control characters are shown as \xNN, so that no value can steer a terminal.
 std::string displayText(const Value& value);
 std::string printable(std::string_view text);
+// The same of a message of several lines, as one.
+std::string oneLine(std::string_view text);
 
 // The value that "reg set" is told. Several words of data are the strings of a REG_MULTI_SZ; a
 // single one may hold them with "\0" (backslash, zero) between. Throws Failure (Usage).

@@ -58,19 +58,28 @@ std::string subject(const Tweak& tweak) {
 
 }  // namespace
 
-std::string whatsThis(const Tweak& tweak) {
-  std::string text = subject(tweak);
-  if (tweak.special != nullptr && tweak.shape == ControlShape::CheckBox) {
-    // What it writes its mode cannot tell.
-    text += " 'korvex show' tells all that it writes.";
-  } else if (tweak.shape == ControlShape::CheckBox) {
-    text += fmt::format(" Checked: {}. Unchecked: {}.",
-                        outcomeText(tweak, decide(tweak, 1, Variant()), false),
-                        outcomeText(tweak, decide(tweak, 0, Variant()), true));
+WrittenTexts writtenTexts(const Tweak& tweak) {
+  WrittenTexts texts;
+  // What a special writes its mode cannot tell.
+  if (tweak.special == nullptr && tweak.shape == ControlShape::CheckBox) {
+    texts.checked = outcomeText(tweak, decide(tweak, 1, Variant()), false);
+    texts.unchecked = outcomeText(tweak, decide(tweak, 0, Variant()), true);
   }
   if (tweak.special == nullptr || tweak.shape == ControlShape::TextBox) {
-    text += fmt::format(" Windows default: {}.", outcomeText(tweak, decideDefault(tweak), true));
+    texts.byDefault = outcomeText(tweak, decideDefault(tweak), true);
   }
+  return texts;
+}
+
+std::string whatsThis(const Tweak& tweak) {
+  const WrittenTexts texts = writtenTexts(tweak);
+  std::string text = subject(tweak);
+  if (!texts.checked.empty()) {
+    text += fmt::format(" Checked: {}. Unchecked: {}.", texts.checked, texts.unchecked);
+  } else if (tweak.shape == ControlShape::CheckBox) {
+    text += " 'korvex show' tells all that it writes.";
+  }
+  if (!texts.byDefault.empty()) text += fmt::format(" Windows default: {}.", texts.byDefault);
   text += tweak.reboot ? " Takes effect after a restart." : "";
   return text;
 }

@@ -9,4 +9,12 @@ namespace korvex::engine {
 
 std::string whatsThis(const Tweak& tweak);
 
+// What is written, in the same words; "" where only the routine knows.
+struct WrittenTexts {
+  std::string checked;
+  std::string unchecked;
+  std::string byDefault;
+};
+WrittenTexts writtenTexts(const Tweak& tweak);
+
 }  // namespace korvex::engine
