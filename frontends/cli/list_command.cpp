@@ -63,11 +63,19 @@ std::vector<Line> read(const TweakPlace& place, const std::string& search,
   return lines;
 }
 
-ExitCode list(Context& context, const ListOptions& options) {
-  if (options.manual) {
+ExitCode printManual(Context& context) {
+  if (context.json) {
+    Json json = document();
+    json["manual"] = manualText();
+    print(context.out, json);
+  } else {
     context.out << manualText();
-    return ExitCode::Done;
   }
+  return ExitCode::Done;
+}
+
+ExitCode list(Context& context, const ListOptions& options) {
+  if (options.manual) return printManual(context);
   const auto places = options.page.empty() ? tweakPlaces() : placesNamed(options.page);
   const std::string search = platform::foldName(options.search);
   const auto machine = context.openMachine(platform::OpenMode::Read);
