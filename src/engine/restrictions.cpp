@@ -78,18 +78,20 @@ TweakState p_DetermineNoAdminShares(const Tweak&, Session& session) {
       isThere(session, HKLM, kServer, session.g_bServer ? kForServers : kForWorkstations, kOff));
 }
 
+// The other value says nothing about who set it: it is the policy that tells.
 bool RegWorker::P_rwNoLogOff(const Tweak& tweak) {
   session_.trace.enter("[P_rwNoLogOff]");
+  const bool wasOn = isThere(session_, tweak.root, tweak.key, tweak.value, kOn);
   if (wantsOn(tweak)) {
-    // The other value says nothing about who set it: it is the policy that tells.
-    const bool wasOn = isThere(session_, tweak.root, tweak.key, tweak.value, kOn);
     return (wasOn ||
             keep(keepValue(session_, tweak, HKCU, kAdvanced, kStartMenuLogoff, nullptr))) &&
            write(tweak.root, tweak.key, tweak.value, kOn) &&
            write(HKCU, kAdvanced, kStartMenuLogoff, kOff) && finishSpecial(tweak);
   }
-  return remove(tweak.root, tweak.key, tweak.value) &&
-         putBackPrevious(tweak, HKCU, kAdvanced, kStartMenuLogoff, {}) && finishSpecial(tweak);
+  bool wasKept = false;
+  return keep(putBackValue(session_, tweak, HKCU, kAdvanced, kStartMenuLogoff, wasKept)) &&
+         (wasKept || !wasOn || remove(HKCU, kAdvanced, kStartMenuLogoff)) &&
+         remove(tweak.root, tweak.key, tweak.value) && finishSpecial(tweak);
 }
 
 TweakState p_DetermineNoLogOff(const Tweak& tweak, Session& session) {

@@ -26,24 +26,25 @@ TweakControls::TweakControls(forms::Form& form) : form_(form) {
     auto group = std::ranges::find_if(groups_, [tweak](const Group& candidate) {
       return candidate.page == tweak->page && candidate.title == tweak->group;
     });
-    if (group == groups_.end()) group = groups_.insert(group, {tweak->page, tweak->group, {}});
-    group->parts.push_back(makeControl(*tweak));
+    if (group == groups_.end()) group = groups_.insert(group, {tweak->page, tweak->group, {}, {}});
+    makeControl(*tweak, *group);
   }
 }
 
-Layout TweakControls::makeControl(const Tweak& tweak) {
-  Layout part = tweak.shape == ControlShape::TextBox
-                    ? makeField(tweak)
-                    : Layout::of(form_.own<forms::CheckBox>(std::string(tweak.control),
-                                                            std::string(tweak.caption)));
+void TweakControls::makeControl(const Tweak& tweak, Group& group) {
+  if (tweak.shape == ControlShape::TextBox) {
+    makeField(tweak, group);
+  } else {
+    group.parts.push_back(Layout::of(
+        form_.own<forms::CheckBox>(std::string(tweak.control), std::string(tweak.caption))));
+  }
   forms::Control* control = form_.find(tweak.control);
   control->ToolTipText = std::string(tweak.toolTip);
   control->WhatsThis = whatsThis(tweak);
   controls_.push_back({&tweak, control});
-  return part;
 }
 
-Layout TweakControls::makeField(const Tweak& tweak) {
+void TweakControls::makeField(const Tweak& tweak, Group& group) {
   const bool isNumber = tweak.special == &RegWorker::P_rwStartMenuSpeed;
   auto& text = form_.own<forms::TextBox>(
       std::string(tweak.control),
@@ -52,23 +53,28 @@ Layout TweakControls::makeField(const Tweak& tweak) {
   auto& label =
       form_.own<forms::Label>("lbl" + std::string(tweak.buddy), std::string(tweak.caption), &text);
   label.ToolTipText = std::string(tweak.toolTip);
-  return Layout::row({Layout::of(label), Layout::of(text), Layout::space()});
+  group.fields.push_back(Layout::of(label));
+  group.fields.push_back(Layout::of(text));
+}
+
+Layout TweakControls::layoutOf(Group& group) {
+  if (!group.fields.empty()) {
+    group.parts.push_back(Layout::row({Layout::grid(2, std::move(group.fields)), Layout::space()}));
+  }
+  return Layout::group(std::string(group.title), std::move(group.parts));
 }
 
 std::vector<Layout> TweakControls::groups(Page page) {
   std::vector<Layout> result;
   for (Group& group : groups_) {
-    if (group.page != page) continue;
-    result.push_back(Layout::group(std::string(group.title), std::move(group.parts)));
+    if (group.page == page) result.push_back(layoutOf(group));
   }
   return result;
 }
 
 std::vector<Layout> TweakControls::groups() {
   std::vector<Layout> result;
-  for (Group& group : groups_) {
-    result.push_back(Layout::group(std::string(group.title), std::move(group.parts)));
-  }
+  for (Group& group : groups_) result.push_back(layoutOf(group));
   return result;
 }
 

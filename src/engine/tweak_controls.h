@@ -31,10 +31,13 @@ class TweakControls {
     Page page;
     std::string_view title;
     std::vector<forms::Layout> parts;
+    // Labels and fields in turn, after the boxes: those of one group stand below each other.
+    std::vector<forms::Layout> fields;
   };
 
-  forms::Layout makeControl(const Tweak& tweak);
-  forms::Layout makeField(const Tweak& tweak);
+  void makeControl(const Tweak& tweak, Group& group);
+  void makeField(const Tweak& tweak, Group& group);
+  static forms::Layout layoutOf(Group& group);
 
   forms::Form& form_;
   std::vector<TweakControl> controls_;

@@ -206,7 +206,9 @@ void frmMain::cmdDefaults_Click() {
   Busy = false;
   showStatus();
   if (engine::finishApply(session_, {})) {
-    session_.prompts().messageBox(text, kButtonsOk | kIconInformation, foundation::kAppTitle);
+    session_.prompts().messageBox(
+        text, kButtonsOk | (outcome.failed.empty() ? kIconInformation : kIconExclamation),
+        foundation::kAppTitle);
   }
 }
 

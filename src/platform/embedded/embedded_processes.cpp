@@ -128,7 +128,7 @@ Status EmbeddedProcesses::importFile(const std::string& file, std::string& messa
 }
 
 Status EmbeddedProcesses::refuse(std::string_view commandLine, std::string& message) {
-  message = fmt::format("\"{}\" was not started: this machine does not run programs.", commandLine);
+  message = fmt::format("{} was not started: this machine does not run programs.", commandLine);
   // On a machine that is open for reading nothing is recorded.
   const Status status = events_.add("program", commandLine);
   if (status != ERROR_SUCCESS && status != ERROR_WRITE_PROTECT) return status;
