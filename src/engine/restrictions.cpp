@@ -81,7 +81,9 @@ TweakState p_DetermineNoAdminShares(const Tweak&, Session& session) {
 // The other value says nothing about who set it: it is the policy that tells.
 bool RegWorker::P_rwNoLogOff(const Tweak& tweak) {
   session_.trace.enter("[P_rwNoLogOff]");
-  const bool wasOn = isThere(session_, tweak.root, tweak.key, tweak.value, kOn);
+  RawValue policy;
+  if (!read(tweak.root, tweak.key, tweak.value, policy)) return false;
+  const bool wasOn = holds(policy, kOn);
   if (wantsOn(tweak)) {
     return (wasOn ||
             keep(keepValue(session_, tweak, HKCU, kAdvanced, kStartMenuLogoff, nullptr))) &&

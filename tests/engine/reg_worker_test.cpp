@@ -202,6 +202,7 @@ class FaultLoop {
     session.g_sWinDir = test_.session.g_sWinDir;
     session.g_sWinSysDir = test_.session.g_sWinSysDir;
     session.g_bNT = test_.session.g_bNT;
+    session.g_sCurrentUser = test_.session.g_sCurrentUser;
     session.g_eOS = test_.session.g_eOS;
     session.pd = test_.session.pd;
     session.g_bRebootNeeded = !tweak_.reboot;
