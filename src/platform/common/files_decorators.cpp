@@ -262,7 +262,9 @@ void PretendingFiles::listPretended(const WindowsPath& folder, const std::string
     entry.size = node->second.bytes.size();
     return !node->second.there;
   });
-  for (const auto& [key, node] : nodes_) {
+  for (const auto& pretended : nodes_) {
+    const std::string& key = pretended.first;
+    const Node& node = pretended.second;
     if (!node.there || node.name.empty() || !isListed(pattern, node.name)) continue;
     if (keyOf(childOf(folder, node.name)) != key) continue;
     const bool known = std::any_of(entries.begin(), entries.end(), [&](const FileEntry& entry) {
