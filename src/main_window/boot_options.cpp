@@ -32,11 +32,16 @@ constexpr std::string_view kRecord = "SOFTWARE\\Korvex\\MSDOS_SYS";
 constexpr std::string_view kStart = "Start of Windows";
 constexpr std::string_view kMenu = "Startup menu";
 constexpr std::string_view kDrivers = "Drivers and disks";
+// No default to go back to: without what its disks need Windows does not start.
+constexpr int kAsSetupFound = -1;
 constexpr engine::Families kRealMode = kWin95 | kWin98;  // Me starts without it
 
 bool isNumber(const std::string& text) {
   return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
 }
+
+// What an option counts as that the file does not name.
+std::string defaultText(int byDefault) { return std::to_string(std::max(0, byDefault)); }
 
 int numberOf(const std::string& text, int otherwise) {
   int number = otherwise;
@@ -143,7 +148,9 @@ void BootOptions::makeControl(const Row& row, std::vector<Layout>& parts) {
       "Sets {} in the section [Options] of MSDOS.SYS. Windows default: {}. Takes effect at the "
       "next "
       "start.",
-      row.name, row.byDefault);
+      row.name,
+      row.byDefault == kAsSetupFound ? std::string("what Setup found")
+                                     : defaultText(row.byDefault));
   options_.push_back({&row, control, "", ""});
 }
 
@@ -211,7 +218,7 @@ void BootOptions::load() {
   const MsdosSys document(bytes);
   for (Option& option : options_) {
     const Row& row = *option.row;
-    show(option, document.value(row.name).value_or(std::to_string(row.byDefault)));
+    show(option, document.value(row.name).value_or(defaultText(row.byDefault)));
     const engine::Tweak facts{.property = {}, .families = row.families};
     const engine::TweakState state = engine::availability(facts, session_);
     if (state.kind != engine::TweakState::Kind::Unavailable) continue;
@@ -260,7 +267,7 @@ std::string BootOptions::restoreDefaults() {
   if (session_.g_bNT || file_.empty()) return {};
   Wishes wishes;
   for (std::size_t i = 0; i < options_.size(); ++i) {
-    if (options_[i].control->Enabled) {
+    if (options_[i].control->Enabled && options_[i].row->byDefault != kAsSetupFound) {
       wishes.emplace_back(i, std::to_string(options_[i].row->byDefault));
     }
   }
@@ -276,7 +283,7 @@ std::string BootOptions::write(const Wishes& wishes) {
     MsdosSys document(bytes);
     for (const auto& [index, wanted] : wishes) {
       const Row& row = *options_[index].row;
-      const std::string present = document.value(row.name).value_or(std::to_string(row.byDefault));
+      const std::string present = document.value(row.name).value_or(defaultText(row.byDefault));
       if (present != wanted) document.set(row.name, wanted);
     }
     const std::string changed = document.bytes();
