@@ -76,6 +76,9 @@ std::string writesText(const Tweak& tweak) {
   if (!writes.unchecked.empty()) parts.push_back("unchecked: " + writes.unchecked);
   if (!writes.byDefault.empty()) parts.push_back("default: " + writes.byDefault);
   if (isTextRow(tweak)) parts.insert(parts.begin(), "the text typed");
+  if (parts.empty() && !tweak.writes.empty()) {
+    return plain(tweak.writes.substr(0, tweak.writes.size() - 1));  // a full stop follows
+  }
   if (parts.empty()) return "`korvex show` tells what it writes";
   return plain(fmt::format("{}", fmt::join(parts, "; ")));
 }
@@ -84,7 +87,7 @@ std::string entry(const Tweak& tweak) {
   std::string text =
       fmt::format("- **`{}`** {}\n", tweak.property, plain(forms::plainCaption(tweak.caption)));
   if (!tweak.toolTip.empty()) text += fmt::format("  ({}).\n", plain(tweak.toolTip));
-  if (!tweak.key.empty()) {
+  if (!tweak.key.empty() && engine::tellsOfTheValue(tweak)) {
     text += fmt::format("  `{}\\{}`, value `{}`{}:\n", platform::rootName(tweak.root), tweak.key,
                         tweak.value.empty() ? "(Default)" : tweak.value,
                         tweak.adapt != nullptr ? " on most machines" : "");

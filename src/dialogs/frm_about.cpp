@@ -3,22 +3,9 @@
 
 #include <fmt/format.h>
 
-#include <string>
-#include <string_view>
-
 namespace korvex::dialogs {
-namespace {
 
 using forms::Layout;
-
-// A name may hold what would mark a mnemonic.
-std::string plain(std::string_view text) {
-  std::string result;
-  for (const char c : text) result += c == '&' ? std::string("&&") : std::string(1, c);
-  return result;
-}
-
-}  // namespace
 
 frmAbout::frmAbout(foundation::Session& session) : Form(kName, "About Korvex"), session_(session) {
   lblVersion.Caption = "Version " KORVEX_VERSION;
@@ -34,10 +21,11 @@ frmAbout::frmAbout(foundation::Session& session) : Form(kName, "About Korvex"), 
 
 void frmAbout::Load() {
   const platform::MachineDescription machine = session_.machine().describe();
-  lblMachine.Caption = plain(fmt::format("{}, version {}", machine.windows, machine.version));
-  lblUser.Caption = plain(fmt::format("User {} on {}", machine.user, machine.computer));
-  lblFolder.Caption = plain(fmt::format("Folder: {}", machine.folder));
-  lblLog.Caption = plain(fmt::format("Log: {}\\kvxlog.log", session_.g_sAppPath));
+  lblMachine.Caption =
+      forms::captionOf(fmt::format("{}, version {}", machine.windows, machine.version));
+  lblUser.Caption = forms::captionOf(fmt::format("User {} on {}", machine.user, machine.computer));
+  lblFolder.Caption = forms::captionOf(fmt::format("Folder: {}", machine.folder));
+  lblLog.Caption = forms::captionOf(fmt::format("Log: {}\\kvxlog.log", session_.g_sAppPath));
 }
 
 }  // namespace korvex::dialogs

@@ -107,6 +107,9 @@ struct Tweak {
   std::string_view group = {};    // title of the frame it stands in
   std::string_view caption = {};  // '&' marks the mnemonic
   std::string_view toolTip = {};
+  // Of a special: what it writes, checked and unchecked, for people. Key and value are told before
+  // a text that begins with "Checked:"; any other one names what it works on itself.
+  std::string_view writes = {};
   Families families = kEvery;
   // Of these, the Windows that have it only with the desktop update of Internet Explorer 4.
   Families needsDesktopUpdate = 0;

@@ -71,13 +71,18 @@ WrittenTexts writtenTexts(const Tweak& tweak) {
   return texts;
 }
 
+bool tellsOfTheValue(const Tweak& tweak) {
+  return tweak.writes.empty() || tweak.writes.starts_with("Checked:");
+}
+
 std::string whatsThis(const Tweak& tweak) {
   const WrittenTexts texts = writtenTexts(tweak);
   std::string text = subject(tweak);
   if (!texts.checked.empty()) {
     text += fmt::format(" Checked: {}. Unchecked: {}.", texts.checked, texts.unchecked);
-  } else if (tweak.shape == ControlShape::CheckBox) {
-    text += " 'korvex show' tells all that it writes.";
+  } else if (!tweak.writes.empty()) {
+    text = tellsOfTheValue(tweak) ? fmt::format("{} {}", text, tweak.writes)
+                                  : std::string(tweak.writes);
   }
   if (!texts.byDefault.empty()) text += fmt::format(" Windows default: {}.", texts.byDefault);
   text += tweak.reboot ? " Takes effect after a restart." : "";

@@ -16,5 +16,8 @@ struct WrittenTexts {
   std::string byDefault;
 };
 WrittenTexts writtenTexts(const Tweak& tweak);
+// Whether the row's key and value are what it works on. A special's text that begins otherwise than
+// with "Checked:" says itself what that is.
+bool tellsOfTheValue(const Tweak& tweak);
 
 }  // namespace korvex::engine

@@ -31,6 +31,12 @@ std::string_view kindName(ControlKind kind) {
   return "";
 }
 
+std::string captionOf(std::string_view text) {
+  std::string result;
+  for (const char c : text) result += c == '&' ? std::string("&&") : std::string(1, c);
+  return result;
+}
+
 std::string plainCaption(std::string_view caption) {
   std::string plain;
   for (std::size_t i = 0; i < caption.size(); ++i) {

@@ -27,6 +27,8 @@ std::string_view kindName(ControlKind kind);
 
 // The caption as a screen reader says it: '&' mnemonics and trailing "..." or ':' dropped.
 std::string plainCaption(std::string_view caption);
+// The other way round: a text as a caption that shows it, without a mnemonic.
+std::string captionOf(std::string_view text);
 
 class Control {
  public:

@@ -82,6 +82,7 @@ CommandButtons::CommandButtons(forms::Form& form, foundation::Session& session,
       session_(session),
       formBook_(formBook),
       lblPrintSpool_(form.own<forms::Label>("lblPrintSpool", "")),
+      lblLogonMessage_(form.own<forms::Label>("lblLogonMessage", "")),
       txtRegPath_(form.own<forms::TextBox>(
           "txtRegPath", forms::TextBoxOptions{.widthInCharacters = 30, .readOnly = true})),
       lblRegPath_(
@@ -99,6 +100,9 @@ CommandButtons::CommandButtons(forms::Form& form, foundation::Session& session,
 
 std::vector<Layout> CommandButtons::groups(Page page) {
   std::vector<Layout> groups;
+  if (page == Page::NT4Win2K) {
+    groups.push_back(Layout::group("Logon", {Layout::of(lblLogonMessage_)}));
+  }
   for (const Row& row : rows()) {
     if (row.page != page) continue;
     auto& button = *form_.find<CommandButton>(row.name);
@@ -131,8 +135,23 @@ void CommandButtons::load() {
     button.Enabled = false;
     button.ToolTipText = std::string(state.reason);
   }
+  p_DetermineLogonMessage();
   p_DetermineDefaultPrintSpoolDir();
   showRegPath();
+}
+
+// What Windows shows before anybody logs on, by its title.
+void CommandButtons::p_DetermineLogonMessage() {
+  session_.trace.enter("[p_DetermineLogonMessage]");
+  constexpr std::string_view kWinlogon =
+      "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
+  const auto stored = [&](std::string_view name) {
+    return session_.regTool.GetRegStr(kWinlogon, name, HKEY_LOCAL_MACHINE);
+  };
+  std::string title = stored("LegalNoticeCaption");
+  if (title.empty()) title = stored("LegalNoticeText").empty() ? "none" : "one without a title";
+  lblLogonMessage_.Visible = session_.g_bNT;
+  lblLogonMessage_.Caption = "Message before logon: " + forms::captionOf(title);
 }
 
 void CommandButtons::p_DetermineDefaultPrintSpoolDir() {
@@ -141,7 +160,7 @@ void CommandButtons::p_DetermineDefaultPrintSpoolDir() {
   if (!session_.g_bNT) return;
   lblPrintSpool_.Caption =
       " Current printer spool directory: " +
-      session_.regTool.GetRegStr(kPrinters, kSpoolDirectory, HKEY_LOCAL_MACHINE);
+      forms::captionOf(session_.regTool.GetRegStr(kPrinters, kSpoolDirectory, HKEY_LOCAL_MACHINE));
 }
 
 // As the registry has it it may be a name below the program's own folder.

@@ -66,12 +66,14 @@ class CommandButtons : public PageSection {
   void fail(std::string_view what, platform::Status status);
   void tell(const std::string& text, int icon);
   void p_DetermineDefaultPrintSpoolDir();
+  void p_DetermineLogonMessage();
   void showRegPath();
 
   forms::Form& form_;
   foundation::Session& session_;
   forms::FormBook& formBook_;
   forms::Label& lblPrintSpool_;
+  forms::Label& lblLogonMessage_;
   forms::TextBox& txtRegPath_;
   forms::Label& lblRegPath_;
 };

@@ -1,6 +1,7 @@
 // Start-up: who may start, what is read, and what is written on the way.
 #include <map>
 
+#include "engine/whats_this.h"
 #include "main_window/options.h"
 #include "main_window/window_fixture.h"
 
@@ -142,7 +143,8 @@ TEST_F(StartUpTest, EveryPageSaysSomethingAndEveryRowHasItsControl) {
     if (tweak->form != frmMain::kName || tweak->shape == engine::ControlShape::None) continue;
     const forms::Control* control = run.window().find(tweak->control);
     ASSERT_NE(nullptr, control) << tweak->control;
-    EXPECT_NE(std::string::npos, control->WhatsThis->find(tweak->key)) << tweak->property;
+    const std::string_view subject = engine::tellsOfTheValue(*tweak) ? tweak->key : tweak->writes;
+    EXPECT_NE(std::string::npos, control->WhatsThis->find(subject)) << tweak->property;
   }
 }
 

@@ -76,6 +76,8 @@ constexpr std::array kWinTweaksII{
           .group = kShell,
           .caption = "Place 'Open &With' on right click menu",
           .toolTip = "Offers every file to another program...default is unchecked",
+          .writes =
+              "Checked: rundll32.exe shell32.dll,OpenAs_RunDLL %1. Unchecked: the verb is deleted.",
           .special = &RegWorker::p_rwShellVerbs,
           .reader = p_DetermineShellVerbs},
     Tweak{.property = "P_rwRightClickDOS",
@@ -91,6 +93,8 @@ constexpr std::array kWinTweaksII{
           .group = kShell,
           .caption = "Add right clic&k menu for DOS Box",
           .toolTip = "Opens a command prompt in a folder or drive...default is unchecked",
+          .writes = "Checked: cmd.exe or command.com with /k CD %1, also for Drive. Unchecked: "
+                    "both verbs are deleted.",
           .special = &RegWorker::p_rwShellVerbs,
           .reader = p_DetermineShellVerbs},
     Tweak{.property = "P_rwBrandBitmap",
@@ -108,6 +112,8 @@ constexpr std::array kWinTweaksII{
           .caption = "Restore defaul&t IE5 animated logo",
           .toolTip =
               "Takes another maker's logo off the toolbar...default is checked...restart required",
+          .writes = "Checked: BrandBitmap and SmBrandBitmap kept aside and deleted. Unchecked: "
+                    "both as they were before.",
           .special = &RegWorker::p_rwToolbarBitmaps,
           .reader = p_DetermineIE5InterfaceProps,
           .lacks = needsToolbarBitmap},
@@ -126,6 +132,7 @@ constexpr std::array kWinTweaksII{
         .group = kBrowser,
         .caption = "Restore defa&ult IE5 toolbar background",
         .toolTip = "Takes another picture off the toolbar...default is checked...restart required",
+        .writes = "Checked: kept aside and deleted. Unchecked: as it was before.",
         .special = &RegWorker::p_rwToolbarBitmaps,
         .reader = p_DetermineIE5InterfaceProps,
         .lacks = needsToolbarBitmap},
@@ -536,6 +543,7 @@ constexpr std::array kDrWat{
         .group = kDebugger,
         .caption = "Add to the &log file instead of replacing it",
         .toolTip = "Keeps the reports of earlier failures...default is checked...restart required",
+        .writes = "Checked: DWORD 1. Unchecked: DWORD 0.",
         .families = kNT,
         .special = &RegWorker::P_rwAppendToLogFile},
 };

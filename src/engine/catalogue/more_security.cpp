@@ -73,6 +73,8 @@ constexpr Tweak helpFile(Tweak row) {
 constexpr Tweak adminShares(Tweak row) {
   row.root = HKLM;
   row.families = kNT;
+  row.writes =
+      "Checked: AutoShareServer and AutoShareWks DWORD 0. Unchecked: both values are deleted.";
   row.special = &RegWorker::P_rwNoAdminShares;
   row.reader = p_DetermineNoAdminShares;
   return row;

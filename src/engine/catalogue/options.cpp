@@ -24,6 +24,9 @@ constexpr Tweak option(std::string_view property, std::string_view value, std::s
           .group = group,
           .caption = caption,
           .toolTip = toolTip,
+          .writes = special == nullptr ? std::string_view{}
+                                       : "Checked: DWORD 1, and the support program under Run. "
+                                         "Unchecked: DWORD 0.",
           .special = special};
 }
 

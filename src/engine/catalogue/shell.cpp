@@ -49,6 +49,10 @@ constexpr Tweak nameSpace(std::string_view property, std::string_view stateName,
           .toolTip =
               "Takes the folder away until the box is cleared...default is unchecked"
               "...restart required",
+          .writes =
+              "Takes the folder's class key under MyComputer\\NameSpace or "
+              "ControlPanel\\NameSpace of HKEY_LOCAL_MACHINE away. Checked: it is kept "
+              "aside and deleted. Unchecked: it comes back.",
           .special = &RegWorker::p_HandleRemoveOfNameSpace,
           .reader = p_DetermineNameSpace,
           .lacks = needsNameSpaceFolder,
@@ -68,6 +72,10 @@ constexpr Tweak cascade(std::string_view property, std::string_view stateName,
           .group = "Start menu",
           .caption = caption,
           .toolTip = toolTip,
+          .writes =
+              "A folder whose name ends in a class. Checked: it is made in your Start menu or in "
+              "that of all users. Unchecked: "
+              "it is removed from both.",
           .special = &RegWorker::p_PrintersAndControlPanelAndHistory,
           .ask = &RegWorker::askForWhom,
           .reader = p_DetermineControlPanel_Printers_History,
@@ -116,6 +124,8 @@ constexpr std::array kRows{
           .group = "Right-click menus and icons",
           .caption = "Add Print Directory to ri&ght-click menus",
           .toolTip = "Prints the list of a folder's or a drive's files...default is unchecked",
+          .writes = "Checked: the verbs Print_Directory and Print_Directory_Tree of Directory and "
+                    "Drive, with a command that prints dir's output. Unchecked: none of them.",
           .special = &RegWorker::p_rwShellVerbs,
           .reader = p_DetermineShellVerbs},
     Tweak{.property = "P_rwInherentDLL",
@@ -130,6 +140,8 @@ constexpr std::array kRows{
           .caption = "Show the own icons of .d&ll and .cpl files",
           .toolTip = "Draws the first icon in each file...default is unchecked"
                      "...restart required",
+          .writes = "Checked: \"%1\", also in cplfile\\DefaultIcon. Unchecked: what stood there "
+                    "before, or the icon of shell32.dll.",
           .special = &RegWorker::P_rwInherentDLL,
           .reader = p_DetermineInherentDLLs},
     Tweak{.property = "P_rwBMP",
@@ -144,6 +156,9 @@ constexpr std::array kRows{
           .caption = "Show bitmaps as their own ic&ons",
           .toolTip = "Draws each .bmp file's picture small...default is unchecked"
                      "...restart required",
+          .writes = "Sets the default value of DefaultIcon of the file type of .bmp. Checked: "
+                    "\"%1\", and what stood there in "
+                    "BackUpDefaultIcon. Unchecked: BackUpDefaultIcon comes back.",
           .special = &RegWorker::P_rwBMP,
           .reader = p_DetermineBMP,
           .lacks = needsBitmapClass},
@@ -159,6 +174,8 @@ constexpr std::array kRows{
           .caption = "Show no screen tips o&n window buttons",
           .toolTip = "Leaves the tips on Minimize, Maximize and Close out...default is unchecked"
                      "...restart required",
+          .writes = "Checked: bit 80 hex of the first byte cleared. Unchecked: the bit set. The "
+                    "others stay.",
           .families = kWin98 | kWinMe | kNT,
           .needsDesktopUpdate = kNT4,
           .special = &RegWorker::P_rwScreenTips,
@@ -177,6 +194,8 @@ constexpr std::array kRows{
           .caption = "Hide Log Off on the Start menu",
           .toolTip = "Removes Log Off from the Start menu...default is unchecked"
                      "...restart required",
+          .writes = "Checked: DWORD 1, and StartMenuLogoff DWORD 0 under Explorer\\Advanced. "
+                    "Unchecked: no value, and StartMenuLogoff as it was before.",
           .needsDesktopUpdate = kWin95 | kNT4,
           .special = &RegWorker::P_rwNoLogOff,
           .reader = p_DetermineNoLogOff},
@@ -195,6 +214,8 @@ constexpr std::array kRows{
           .caption = "Hide Map and Disconnect Network Drive",
           .toolTip = "Removes the commands and buttons from Explorer...default is unchecked"
                      "...restart required",
+          .writes = "Checked: DWORD 1, and MapNetDrvBtn DWORD 0 under Explorer\\Advanced. "
+                    "Unchecked: DWORD 0, and MapNetDrvBtn as it was before.",
           .special = &RegWorker::P_rwNetworkDrive,
           .reader = p_DetermineNetworkDrive},
     Tweak{.property = "P_rwNoDrives",
@@ -220,6 +241,8 @@ constexpr std::array kRows{
           .caption = "Close the registry to the network",
           .toolTip = "Keeps other computers out of this one's registry"
                      "...default depends on the Windows...restart required",
+          .writes = "Checked: \"Registry Server\", which makes the key. Unchecked: the key is kept "
+                    "aside and deleted.",
           .families = kNT,
           .special = &RegWorker::P_rwRestrictRegAccess,
           .reader = p_DetermineRestrictRegistry},

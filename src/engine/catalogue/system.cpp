@@ -41,6 +41,8 @@ constexpr std::array kWindows9xRows{
           .group = kDisks,
           .caption = "De&fragment all drives at the next start",
           .toolTip = "Runs Disk Defragmenter once when Windows starts...default is unchecked",
+          .writes = "Checked: \"defrag.exe\", and an entry of RunOnceEx with \"||DEFRAG.EXE "
+                    "/ALL\". Unchecked: neither.",
           .families = k9x,
           .special = &RegWorker::P_rwDefrag,
           .reader = p_DetermineDefrag},
