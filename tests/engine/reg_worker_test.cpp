@@ -370,9 +370,12 @@ TEST_F(HelpFileTest, AHelpFileThatCameSinceIsTheOneThatIsKept) {
   putFile(session.g_sAppPath + "\\zak.hlp", "the other");
   putFile(kept, "the old one");
   putFile(help, "a service pack's");
-  EXPECT_TRUE(worker.p_rwFlipTheHelpFile(true));
+  const Tweak row = spare(21);
+  box("chkSpare", "frmSpare").Value = 1;
+  EXPECT_TRUE(worker.run(row));
   EXPECT_EQ("a service pack's", read(kept));
-  EXPECT_TRUE(worker.p_rwFlipTheHelpFile(false));
+  box("chkSpare", "frmSpare").Value = 0;
+  EXPECT_TRUE(worker.run(row));
   EXPECT_EQ("a service pack's", read(help));
 }
 
