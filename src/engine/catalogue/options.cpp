@@ -9,8 +9,7 @@ namespace korvex::engine {
 namespace {
 
 constexpr Tweak option(std::string_view property, std::string_view value, std::string_view control,
-                       std::string_view group, std::string_view caption, std::string_view toolTip,
-                       Special special = nullptr) {
+                       std::string_view group, std::string_view caption, std::string_view toolTip) {
   return {.property = property,
           .root = HKLM,
           .key = kConfigurationKey,
@@ -23,15 +22,20 @@ constexpr Tweak option(std::string_view property, std::string_view value, std::s
           .page = Page::Options,
           .group = group,
           .caption = caption,
-          .toolTip = toolTip,
-          .writes = special == nullptr ? std::string_view{}
-                                       : "Checked: DWORD 1, and the support program under Run. "
-                                         "Unchecked: DWORD 0.",
-          .special = special};
+          .toolTip = toolTip};
 }
 
 constexpr std::string_view kProgram = "Korvex";
 constexpr std::string_view kAtRestart = "At each restart of Windows";
+
+constexpr Tweak clearing(std::string_view property, std::string_view value,
+                         std::string_view control, std::string_view caption,
+                         std::string_view toolTip) {
+  Tweak row = option(property, value, control, kAtRestart, caption, toolTip);
+  row.special = &RegWorker::p_rwClearAtRestart;
+  row.writes = "Checked: DWORD 1, and the support program under Run. Unchecked: DWORD 0.";
+  return row;
+}
 
 constexpr std::array kRows{
     option("P_rwNoShowConfirmation", "NoShowConfirmation", "chkNoShowConfirmation", kProgram,
@@ -45,24 +49,19 @@ constexpr std::array kRows{
     option("P_rwNoSaveWindPos", "NoSaveWindPos", "chkNoSaveWindPos", kProgram,
            "Do not remember the &window position",
            "Opens Korvex in the middle of the screen each time...default is unchecked"),
-    option("P_rwClearRUNReboot", "ClearRUNReboot", "chkClearRUNReboot", kAtRestart,
-           "Clear the R&un list",
-           "Clears the commands typed into Run when Windows starts...default is unchecked",
-           &RegWorker::p_rwClearAtRestart),
-    option("P_rwClearMRUsReboot", "ClearMRUsReboot", "chkClearMRUsReboot", kAtRestart,
-           "Clear all lists of &most recently used items",
-           "Clears the lists of files and searches used last when Windows starts"
-           "...default is unchecked",
-           &RegWorker::p_rwClearAtRestart),
-    option("P_rwClearDocsReboot", "ClearDOCSReboot", "chkClearDOCSReboot", kAtRestart,
-           "Clear the Start menu's document &list",
-           "Empties Documents on the Start menu when Windows starts...default is unchecked",
-           &RegWorker::p_rwClearAtRestart),
-    option("P_rwClearIEURLListReboot", "ClearIEURLListReboot", "chkClearIEURLListReboot",
-           kAtRestart, "Clear Internet Explorer's &typed addresses",
-           "Clears the addresses typed into Internet Explorer when Windows starts"
-           "...default is unchecked",
-           &RegWorker::p_rwClearAtRestart),
+    clearing("P_rwClearRUNReboot", "ClearRUNReboot", "chkClearRUNReboot", "Clear the R&un list",
+             "Clears the commands typed into Run when Windows starts...default is unchecked"),
+    clearing("P_rwClearMRUsReboot", "ClearMRUsReboot", "chkClearMRUsReboot",
+             "Clear all lists of &most recently used items",
+             "Clears the lists of files and searches used last when Windows starts"
+             "...default is unchecked"),
+    clearing("P_rwClearDocsReboot", "ClearDOCSReboot", "chkClearDOCSReboot",
+             "Clear the Start menu's document &list",
+             "Empties Documents on the Start menu when Windows starts...default is unchecked"),
+    clearing("P_rwClearIEURLListReboot", "ClearIEURLListReboot", "chkClearIEURLListReboot",
+             "Clear Internet Explorer's &typed addresses",
+             "Clears the addresses typed into Internet Explorer when Windows starts"
+             "...default is unchecked"),
 };
 static_assert(propertiesAreUnique(kRows) && modesAreKnown(kRows));
 
