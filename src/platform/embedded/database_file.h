@@ -11,12 +11,9 @@ namespace korvex::platform {
 constexpr int kApplicationId = 0x4B767872;  // "Kvxr"
 constexpr int kSchemaVersion = 1;
 
-// Keys with these numbers are always there.
-constexpr std::int64_t kMachineKey = 1;  // HKEY_LOCAL_MACHINE
-constexpr std::int64_t kUsersKey = 2;    // HKEY_USERS
-
-// All values of a key are packed in data (value_blob.h). The numbers of keys grow and are never
-// used twice, so they tell creation order, and a handle to a deleted key never meets another one.
+// The two first keys are kMachineKey and kUsersKey. All values of a key are packed in data
+// (value_blob.h). The numbers of keys grow and are never used twice, so they tell creation order,
+// and a handle to a deleted key never meets another one.
 constexpr const char* kSchema = R"(
 CREATE TABLE keys(id INTEGER PRIMARY KEY, parent INTEGER NOT NULL, folded TEXT NOT NULL,
                   name TEXT NOT NULL, data BLOB NOT NULL);

@@ -10,11 +10,12 @@
 #include "platform/common/drive_folders.h"
 #include "platform/common/ini_files.h"
 #include "platform/embedded/database.h"
+#include "platform/embedded/database_keys.h"
 #include "platform/embedded/embedded_processes.h"
-#include "platform/embedded/embedded_registry.h"
 #include "platform/embedded/embedded_system.h"
 #include "platform/embedded/machine_file.h"
 #include "platform/embedded/machine_lock.h"
+#include "platform/stored/stored_registry.h"
 
 namespace korvex::platform {
 namespace {
@@ -42,7 +43,11 @@ DriveFolders::Map drivesOf(const fs::path& folder) {
 }
 
 RegistryTraits traitsOf(const MachineFile& machine) {
-  return {machine.family, machine.userKey, CodePage::find(machine.codePage)};
+  const bool nt = machine.family == Family::Nt;
+  const char* const config =
+      nt ? "SYSTEM\\CurrentControlSet\\Hardware Profiles\\Current" : "Config\\0001";
+  return {.places = {machine.family, machine.userKey, "", config},
+          .codePage = nt ? nullptr : CodePage::find(machine.codePage)};
 }
 
 class EmbeddedMachine : public Machine {
@@ -51,7 +56,8 @@ class EmbeddedMachine : public Machine {
       : folder_(std::move(folder)),
         file_(file),
         database_(std::move(database)),
-        registry_(*database_, traitsOf(file_)),
+        keys_(*database_, keyOrderOf(file_.family)),
+        registry_(keys_, traitsOf(file_)),
         files_(drivesOf(folder_), {.readOnly = database_->readOnly()}),
         initFiles_(files_, file_.windowsFolder, *CodePage::find(file_.codePage),
                    file_.family == Family::Nt ? SectionGap::None : SectionGap::BlankLine),
@@ -61,7 +67,7 @@ class EmbeddedMachine : public Machine {
         restart_(file_, events_),
         windows_(file_) {}
 
-  Status prepare() { return registry_.prepare(); }
+  Status prepare() { return keys_.prepare(); }
 
   Registry& registry() override { return registry_; }
   InitFiles& initFiles() override { return initFiles_; }
@@ -97,7 +103,8 @@ class EmbeddedMachine : public Machine {
   fs::path folder_;
   MachineFile file_;
   std::unique_ptr<Database> database_;
-  EmbeddedRegistry registry_;
+  DatabaseKeys keys_;
+  StoredRegistry registry_;
   DriveFolders files_;
   IniFiles initFiles_;
   EventLog events_;
@@ -160,7 +167,8 @@ Status readMachineEvents(const fs::path& folder, std::vector<MachineEvent>& even
   Status status = ERROR_SUCCESS;
   const auto database = Database::open(folder, OpenMode::Read, status, message);
   if (database == nullptr) return status;
-  EmbeddedRegistry registry(*database, {});
+  DatabaseKeys keys(*database, KeyOrder::Alphabetical);
+  StoredRegistry registry(keys, {});
   return EventLog(*database, registry).read(events);
 }
 

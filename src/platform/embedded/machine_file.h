@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/embedded/key_paths.h"
 #include "platform/status.h"
+#include "platform/stored/key_paths.h"
 #include "platform/system_info.h"
 
 namespace korvex::platform {

@@ -1,12 +1,10 @@
 // Finding keys by path.
-#include "platform/embedded/key_paths.h"
+#include "platform/stored/key_paths.h"
 
 #include <fmt/format.h>
 
 #include <cstring>
 #include <utility>
-
-#include "platform/embedded/database_file.h"
 
 namespace korvex::platform {
 namespace {
@@ -14,6 +12,9 @@ namespace {
 constexpr std::size_t kMostRemembered = 1024;
 constexpr std::string_view kControlSetAlias = "CurrentControlSet";
 constexpr std::uint32_t kMostControlSets = 999;
+constexpr std::string_view kKernelMachine = "\\Registry\\Machine";
+constexpr std::string_view kKernelUser = "\\Registry\\User";
+constexpr int kMostLinks = 8;
 
 // Takes the first part of a path off it.
 std::string_view takePart(std::string_view& path) {
@@ -57,9 +58,33 @@ Status KeyPaths::currentControlSet(std::int64_t parent, std::string& name) {
   return ERROR_SUCCESS;
 }
 
-Status KeyPaths::step(std::int64_t parent, std::string_view name, FoundKey& found) {
-  found.fixed = false;
-  if (family_ == Family::Nt && name.size() == kControlSetAlias.size() &&
+// A link's target is told as the kernel names it. Links to links are followed only so far, as on
+// Windows; what leads nowhere is not there.
+Status KeyPaths::followLink(FoundKey& found) {
+  std::string target;
+  const Status status = store_.linkTarget(found.key, target);
+  if (status != ERROR_SUCCESS || target.empty()) return status;
+  const std::string_view path = target;
+  std::int64_t base = 0;
+  std::size_t length = 0;
+  for (const auto& [name, key] :
+       {std::pair{kKernelMachine, kMachineKey}, std::pair{kKernelUser, kUsersKey}}) {
+    if (path.size() <= name.size() || path[name.size()] != '\\') continue;
+    if (!namesMatch(path.substr(0, name.size()), name)) continue;
+    base = key;
+    length = name.size() + 1;
+  }
+  if (base == 0 || links_ >= kMostLinks) return ERROR_FILE_NOT_FOUND;
+  ++links_;
+  const Status followed = find({base}, path.substr(length), found);
+  --links_;
+  found.fixed = true;
+  return followed;
+}
+
+Status KeyPaths::stepInOne(std::int64_t parent, std::string_view name, FoundKey& found) {
+  found = {};
+  if (places_.family == Family::Nt && name.size() == kControlSetAlias.size() &&
       namesMatch(name, kControlSetAlias)) {
     std::string target;
     const Status status = currentControlSet(parent, target);
@@ -69,16 +94,31 @@ Status KeyPaths::step(std::int64_t parent, std::string_view name, FoundKey& foun
     }
     if (status != ERROR_FILE_NOT_FOUND) return status;
   }
-  return store_.find(parent, name, found.key);
+  const Status status = store_.find(parent, name, found.key);
+  return status == ERROR_SUCCESS ? followLink(found) : status;
 }
 
-Status KeyPaths::find(std::int64_t start, std::string_view path, FoundKey& found) {
-  found = {start, false};
+Status KeyPaths::step(const FoundKey& parent, std::string_view name, FoundKey& found) {
+  const FoundKey from = parent;  // may be the same object as found
+  if (from.under == 0) return stepInOne(from.key, name, found);
+  FoundKey upper;
+  FoundKey lower;
+  const Status above = stepInOne(from.key, name, upper);
+  if (above != ERROR_SUCCESS && above != ERROR_FILE_NOT_FOUND) return above;
+  const Status below = stepInOne(from.under, name, lower);
+  if (below != ERROR_SUCCESS && below != ERROR_FILE_NOT_FOUND) return below;
+  found = above == ERROR_SUCCESS ? upper : lower;
+  if (above == ERROR_SUCCESS && below == ERROR_SUCCESS) found.under = lower.key;
+  return above == ERROR_SUCCESS ? above : below;
+}
+
+Status KeyPaths::find(const FoundKey& start, std::string_view path, FoundKey& found) {
+  found = start;
   if (path.empty()) return ERROR_SUCCESS;
-  const bool isLong = path.find('\\') != std::string_view::npos;
+  const bool isLong = path.find('\\') != std::string_view::npos && links_ == 0;
   if (isLong) {
-    memoryKey_.assign(reinterpret_cast<const char*>(&start), sizeof start);
-    memoryKey_.append(path);
+    memoryKey_.assign(reinterpret_cast<const char*>(&start.key), sizeof start.key);
+    memoryKey_.append(start.under == 0 ? "." : "=").append(path);
     const auto remembered = memory_.find(memoryKey_);
     if (remembered != memory_.end()) {
       found = remembered->second;
@@ -86,7 +126,7 @@ Status KeyPaths::find(std::int64_t start, std::string_view path, FoundKey& found
     }
   }
   while (!path.empty()) {
-    const Status status = step(found.key, takePart(path), found);
+    const Status status = step(found, takePart(path), found);
     if (status != ERROR_SUCCESS) return status;
   }
   if (isLong) {
@@ -96,19 +136,22 @@ Status KeyPaths::find(std::int64_t start, std::string_view path, FoundKey& found
   return ERROR_SUCCESS;
 }
 
-Status KeyPaths::create(std::int64_t start, std::string_view path, bool allowed, FoundKey& found,
+Status KeyPaths::create(const FoundKey& start, std::string_view path, bool allowed, FoundKey& found,
                         bool& created) {
-  found = {start, false};
+  found = start;
   created = false;
   while (!path.empty()) {
-    const std::int64_t parent = found.key;
+    const std::int64_t parent = found.under != 0 ? found.under : found.key;
     const std::string_view name = takePart(path);
-    Status status = step(parent, name, found);
+    Status status = step(found, name, found);
     created = status == ERROR_FILE_NOT_FOUND;
     if (created && !allowed) return ERROR_ACCESS_DENIED;
     if (created) {
       std::string target(name);
       if (found.fixed) status = currentControlSet(parent, target);
+      // A link that leads nowhere stands under this name.
+      if (status == ERROR_FILE_NOT_FOUND && found.fixed) return ERROR_ACCESS_DENIED;
+      found = {};
       if (status == ERROR_FILE_NOT_FOUND || status == ERROR_SUCCESS) {
         status = store_.create(parent, target, found.key);
       }
@@ -119,33 +162,42 @@ Status KeyPaths::create(std::int64_t start, std::string_view path, bool allowed,
 }
 
 KeyPaths::Root KeyPaths::rootOf(HKEY root) const {
-  const bool nt = family_ == Family::Nt;
   switch (root) {
     case HKEY_CLASSES_ROOT:
       return {kMachineKey, "Software\\Classes"};
     case HKEY_CURRENT_USER:
-      return {kUsersKey, userKey_};
+      return {kUsersKey, places_.userKey};
     case HKEY_LOCAL_MACHINE:
       return {kMachineKey, ""};
     case HKEY_USERS:
       return {kUsersKey, ""};
     case HKEY_CURRENT_CONFIG:
-      return {kMachineKey,
-              nt ? "SYSTEM\\CurrentControlSet\\Hardware Profiles\\Current" : "Config\\0001"};
+      return {kMachineKey, places_.configKey};
     default:
       return {};
   }
 }
 
-Status KeyPaths::findRoot(HKEY root, std::int64_t& key) {
+// Puts the user's classes over the machine's where there are such.
+Status KeyPaths::findClasses(FoundKey& classes) {
+  FoundKey user;
+  const Status status = find({kUsersKey}, places_.userClasses, user);
+  if (status == ERROR_SUCCESS) classes = {user.key, classes.key, true};
+  return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
+}
+
+Status KeyPaths::findRoot(HKEY root, FoundKey& key) {
   const Root place = rootOf(root);
   if (place.base == 0) return ERROR_INVALID_HANDLE;
-  std::int64_t& known = roots_[root - HKEY_CLASSES_ROOT];
-  if (known == 0) {
+  FoundKey& known = roots_[root - HKEY_CLASSES_ROOT];
+  if (known.key == 0) {
     FoundKey found;
-    const Status status = find(place.base, place.path, found);
+    Status status = find({place.base}, place.path, found);
+    if (status == ERROR_SUCCESS && root == HKEY_CLASSES_ROOT && !places_.userClasses.empty()) {
+      status = findClasses(found);
+    }
     if (status != ERROR_SUCCESS) return status;
-    known = found.key;
+    known = found;
   }
   key = known;
   return ERROR_SUCCESS;
@@ -156,21 +208,21 @@ Status KeyPaths::createRoot(HKEY root, std::int64_t& key) {
   if (place.base == 0) return ERROR_INVALID_HANDLE;
   FoundKey found;
   bool created = false;
-  const Status status = create(place.base, place.path, true, found, created);
+  const Status status = create({place.base}, place.path, true, found, created);
   key = found.key;
   return status;
 }
 
 Status KeyPaths::isUserKey(std::int64_t key, bool& result) {
-  std::int64_t user = 0;
+  FoundKey user;
   const Status status = findRoot(HKEY_CURRENT_USER, user);
-  result = status == ERROR_SUCCESS && user == key;
+  result = status == ERROR_SUCCESS && user.key == key;
   return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
 }
 
 void KeyPaths::forget() {
   memory_.clear();
-  roots_.fill(0);
+  roots_.fill({});
 }
 
 }  // namespace korvex::platform

@@ -1,5 +1,5 @@
 // Handles: two zero bits, twenty bits for the place from 1 on, nine for its generation.
-#include "platform/embedded/handle_table.h"
+#include "platform/stored/handle_table.h"
 
 namespace korvex::platform {
 namespace {
@@ -54,7 +54,9 @@ bool HandleTable::remove(HKEY handle) {
 
 void HandleTable::loseKeysFrom(std::int64_t key) {
   for (Place& place : places_) {
-    if (place.open && place.entry.key >= key) place.entry.key = kGone;
+    if (!place.open) continue;
+    if (place.entry.key >= key) place.entry.key = kGone;
+    if (place.entry.under >= key) place.entry.under = 0;
   }
 }
 

@@ -1,5 +1,5 @@
 // Comparing and checking names.
-#include "platform/embedded/names.h"
+#include "platform/stored/names.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,5 +1,5 @@
 // The packed values of a key, against a plain list.
-#include "platform/embedded/value_blob.h"
+#include "platform/stored/value_blob.h"
 
 #include <gtest/gtest.h>
 

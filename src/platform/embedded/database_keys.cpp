@@ -1,10 +1,10 @@
 // The keys of registry.db and the cache of those in use.
-#include "platform/embedded/key_store.h"
+#include "platform/embedded/database_keys.h"
 
 #include <algorithm>
 #include <functional>
 
-#include "platform/embedded/names.h"
+#include "platform/stored/names.h"
 
 namespace korvex::platform {
 namespace {
@@ -19,7 +19,7 @@ std::size_t hashOf(std::int64_t parent, const std::string& folded) {
 
 }  // namespace
 
-Status KeyStore::prepare() {
+Status DatabaseKeys::prepare() {
   const std::pair<Statement&, const char*> statements[] = {
       {find_, "SELECT id FROM keys WHERE parent = ? AND folded = ?"},
       {load_, "SELECT parent, name, folded, data FROM keys WHERE id = ?"},
@@ -45,11 +45,11 @@ Status KeyStore::prepare() {
   return ERROR_SUCCESS;
 }
 
-std::size_t KeyStore::placeOf(const StoredKey& key) const {
+std::size_t DatabaseKeys::placeOf(const CachedKey& key) const {
   return static_cast<std::size_t>(&key - places_.data());
 }
 
-StoredKey* KeyStore::cached(std::int64_t id) {
+CachedKey* DatabaseKeys::cached(std::int64_t id) {
   if (ids_[last_] != id) {
     const auto found = std::find(ids_.begin(), ids_.end(), id);
     if (found == ids_.end()) return nullptr;
@@ -59,7 +59,7 @@ StoredKey* KeyStore::cached(std::int64_t id) {
   return &places_[last_];
 }
 
-void KeyStore::release(StoredKey& place) {
+void DatabaseKeys::release(CachedKey& place) {
   ids_[placeOf(place)] = 0;
   place.id = 0;
   place.isNew = place.changed = false;
@@ -67,7 +67,7 @@ void KeyStore::release(StoredKey& place) {
   place.values.clear();
 }
 
-void KeyStore::occupy(StoredKey& place, std::int64_t id) {
+void DatabaseKeys::occupy(CachedKey& place, std::int64_t id) {
   place.id = id;
   place.used = ++uses_;
   last_ = placeOf(place);
@@ -75,7 +75,7 @@ void KeyStore::occupy(StoredKey& place, std::int64_t id) {
   hashes_[last_] = hashOf(place.parent, place.folded);
 }
 
-Status KeyStore::write(StoredKey& key) {
+Status DatabaseKeys::write(CachedKey& key) {
   if (!key.isNew && !key.changed) return ERROR_SUCCESS;
   Statement& statement = key.isNew ? insert_ : update_;
   const StatementRun run(statement);
@@ -90,16 +90,16 @@ Status KeyStore::write(StoredKey& key) {
   return status;
 }
 
-Status KeyStore::evict(StoredKey& place) {
+Status DatabaseKeys::evict(CachedKey& place) {
   const Status status = write(place);
   if (status == ERROR_SUCCESS) release(place);
   return status;
 }
 
 // Evicts the key that was not used for longest, and more while the cache is too large.
-Status KeyStore::freePlace(StoredKey*& place) {
+Status DatabaseKeys::freePlace(CachedKey*& place) {
   std::size_t total = 0;
-  for (const StoredKey& key : places_) {
+  for (const CachedKey& key : places_) {
     if (key.id != 0) total += key.values.memoryBytes();
   }
   do {
@@ -118,7 +118,7 @@ Status KeyStore::freePlace(StoredKey*& place) {
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::find(std::int64_t parent, std::string_view name, std::int64_t& id) {
+Status DatabaseKeys::find(std::int64_t parent, std::string_view name, std::int64_t& id) {
   foldInto(name, folded_);
   const std::size_t hash = hashOf(parent, folded_);
   for (std::size_t i = 0; i < kPlaces; ++i) {
@@ -136,27 +136,29 @@ Status KeyStore::find(std::int64_t parent, std::string_view name, std::int64_t& 
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::load(std::int64_t id, StoredKey*& key) {
-  key = cached(id);
+Status DatabaseKeys::load(std::int64_t id, StoredKey*& result) {
+  CachedKey* key = cached(id);
+  result = key;
   if (key != nullptr) return ERROR_SUCCESS;
   const Status status = freePlace(key);
   if (status != ERROR_SUCCESS) return status;
   const StatementRun run(load_);
-  const int result = load_.bind(1, id).step();
-  if (result == SQLITE_DONE) return ERROR_KEY_DELETED;
-  if (result != SQLITE_ROW) return database_.report(result);
+  const int row = load_.bind(1, id).step();
+  if (row == SQLITE_DONE) return ERROR_KEY_DELETED;
+  if (row != SQLITE_ROW) return database_.report(row);
   key->parent = load_.number(0);
   key->name = load_.bytes(1);
   key->folded = load_.bytes(2);
   if (!key->values.load(load_.bytes(3))) return database_.report(SQLITE_CORRUPT);
   occupy(*key, id);
+  result = key;
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::children(std::int64_t parent, ChildList*& list) {
+Status DatabaseKeys::children(std::int64_t parent, ChildList*& list) {
   list = childLists_.find(parent);
   if (list != nullptr) return ERROR_SUCCESS;
-  for (StoredKey& place : places_) {
+  for (CachedKey& place : places_) {
     const Status status = place.isNew ? write(place) : ERROR_SUCCESS;
     if (status != ERROR_SUCCESS) return status;
   }
@@ -176,7 +178,7 @@ Status KeyStore::children(std::int64_t parent, ChildList*& list) {
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::childAt(std::int64_t parent, std::size_t index, StoredKey*& child) {
+Status DatabaseKeys::childAt(std::int64_t parent, std::size_t index, StoredKey*& child) {
   ChildList* list = nullptr;
   Status status = children(parent, list);
   if (status != ERROR_SUCCESS) return status;
@@ -191,7 +193,7 @@ Status KeyStore::childAt(std::int64_t parent, std::size_t index, StoredKey*& chi
   return index < list->keys.size() ? load(list->keys[index], child) : ERROR_NO_MORE_ITEMS;
 }
 
-Status KeyStore::readStatistics(std::int64_t parent, NameStatistics& names) {
+Status DatabaseKeys::readStatistics(std::int64_t parent, NameStatistics& names) {
   const StatementRun run(names_);
   int result = names_.bind(1, parent).step();
   for (; result == SQLITE_ROW; result = names_.step()) {
@@ -202,7 +204,8 @@ Status KeyStore::readStatistics(std::int64_t parent, NameStatistics& names) {
   return result == SQLITE_DONE ? ERROR_SUCCESS : database_.report(result);
 }
 
-Status KeyStore::countChildren(std::int64_t parent, std::size_t& count, std::size_t& longestName) {
+Status DatabaseKeys::countChildren(std::int64_t parent, std::size_t& count,
+                                   std::size_t& longestName) {
   ChildList* list = nullptr;
   Status status = children(parent, list);
   if (status != ERROR_SUCCESS) return status;
@@ -217,13 +220,13 @@ Status KeyStore::countChildren(std::int64_t parent, std::size_t& count, std::siz
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::hasChildren(std::int64_t parent, bool& result) {
+Status DatabaseKeys::hasChildren(std::int64_t parent, bool& result) {
   if (const ChildList* list = childLists_.find(parent)) {
     result = !list->keys.empty();
     return ERROR_SUCCESS;
   }
   result = std::any_of(places_.begin(), places_.end(),
-                       [&](const StoredKey& key) { return key.id != 0 && key.parent == parent; });
+                       [&](const CachedKey& key) { return key.id != 0 && key.parent == parent; });
   if (result) return ERROR_SUCCESS;
   const StatementRun run(hasChildren_);
   const int found = hasChildren_.bind(1, parent).step();
@@ -231,7 +234,7 @@ Status KeyStore::hasChildren(std::int64_t parent, bool& result) {
   return result || found == SQLITE_DONE ? ERROR_SUCCESS : database_.report(found);
 }
 
-Status KeyStore::nextKey(std::int64_t& id) {
+Status DatabaseKeys::nextKey(std::int64_t& id) {
   if (nextKey_ == 0) {
     const StatementRun run(readCounter_);
     const int result = readCounter_.step();
@@ -243,10 +246,10 @@ Status KeyStore::nextKey(std::int64_t& id) {
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::create(std::int64_t parent, std::string_view name, std::int64_t& id) {
+Status DatabaseKeys::create(std::int64_t parent, std::string_view name, std::int64_t& id) {
   Status status = nextKey(id);
   if (status != ERROR_SUCCESS) return status;
-  StoredKey* key = nullptr;
+  CachedKey* key = nullptr;
   status = freePlace(key);
   if (status != ERROR_SUCCESS) return status;
   ++nextKey_;
@@ -261,7 +264,7 @@ Status KeyStore::create(std::int64_t parent, std::string_view name, std::int64_t
   return ERROR_SUCCESS;
 }
 
-Status KeyStore::removeTree(std::int64_t id) {
+Status DatabaseKeys::removeTree(std::int64_t id) {
   StoredKey* key = nullptr;
   bool hasSubKeys = false;
   Status status = load(id, key);
@@ -270,13 +273,14 @@ Status KeyStore::removeTree(std::int64_t id) {
   const std::int64_t parent = key->parent;
   const std::size_t nameBytes = key->name.size();
   if (hasSubKeys) {
-    status = flush();
+    status = writeCache();
     if (status != ERROR_SUCCESS) return status;
-    for (StoredKey& place : places_) release(place);
+    for (CachedKey& place : places_) release(place);
     childLists_.clear();
   } else {
-    const bool onlyHere = key->isNew;
-    release(*key);
+    auto& place = static_cast<CachedKey&>(*key);
+    const bool onlyHere = place.isNew;
+    release(place);
     childLists_.removeChild(parent, id, nameBytes);
     if (onlyHere) return ERROR_SUCCESS;
   }
@@ -285,8 +289,8 @@ Status KeyStore::removeTree(std::int64_t id) {
   return database_.report(statement.bind(1, id).step());
 }
 
-Status KeyStore::flush() {
-  for (StoredKey& place : places_) {
+Status DatabaseKeys::writeCache() {
+  for (CachedKey& place : places_) {
     const Status status = place.id != 0 ? write(place) : ERROR_SUCCESS;
     if (status != ERROR_SUCCESS) return status;
   }
@@ -297,8 +301,29 @@ Status KeyStore::flush() {
   return status;
 }
 
-void KeyStore::forget() {
-  for (StoredKey& place : places_) release(place);
+Status DatabaseKeys::aboutToChange(StoredKey& key) {
+  static_cast<CachedKey&>(key).changed = true;
+  return ERROR_SUCCESS;
+}
+
+Status DatabaseKeys::commit() {
+  const Status status = writeCache();
+  return status == ERROR_SUCCESS ? database_.commit() : status;
+}
+
+void DatabaseKeys::rollback() {
+  database_.rollback();
+  forget();
+}
+
+bool DatabaseKeys::changedByOthers() {
+  if (!database_.changedByOthers()) return false;
+  forget();
+  return true;
+}
+
+void DatabaseKeys::forget() {
+  for (CachedKey& place : places_) release(place);
   childLists_.clear();
   nextKey_ = 0;
   counterChanged_ = false;

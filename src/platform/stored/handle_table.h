@@ -9,7 +9,8 @@
 namespace korvex::platform {
 
 struct OpenKeyEntry {
-  std::int64_t key = 0;  // kGone: created in a change that was rolled back
+  std::int64_t key = 0;    // kGone: created in a change that was rolled back
+  std::int64_t under = 0;  // the key that this one lies over
   AccessMask access = 0;
   bool fixed = false;  // opened by a name that stands for another key, and cannot be deleted
 };

@@ -1,8 +1,8 @@
 // Packs and unpacks the values of a key.
-#include "platform/embedded/value_blob.h"
+#include "platform/stored/value_blob.h"
 
 #include "platform/common/text.h"
-#include "platform/embedded/names.h"
+#include "platform/stored/names.h"
 
 namespace korvex::platform {
 namespace {

@@ -1,8 +1,9 @@
-// The registry calls over KeyStore: handles, rights, limits.
-#include "platform/embedded/embedded_registry.h"
+// The registry calls over a store of keys.
+#include "platform/stored/stored_registry.h"
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace korvex::platform {
 namespace {
@@ -58,17 +59,17 @@ Status copyData(const ValueBlob::Value& value, RegType* type, void* data, std::u
 
 }  // namespace
 
-EmbeddedRegistry::EmbeddedRegistry(Database& database, const RegistryTraits& traits)
-    : database_(database),
-      family_(traits.family),
-      rules_(traits.family == Family::Nt ? nullptr : traits.codePage),
-      store_(database, traits.family == Family::Nt ? KeyOrder::Alphabetical : KeyOrder::Creation),
-      paths_(store_, rules_, traits.family, traits.userKey) {}
+StoredRegistry::StoredRegistry(KeyStore& store, RegistryTraits traits)
+    : store_(store),
+      traits_(std::move(traits)),
+      rules_(traits_.codePage),
+      paths_(store_, rules_, traits_.places),
+      view_(store_) {}
 
 // Runs an operation that writes nothing, on a cache that is up to date.
 template <typename Operation>
-Status EmbeddedRegistry::reading(Operation operation) {
-  if ((depth_ == 0 || refused_ != ERROR_SUCCESS) && database_.changedByOthers()) forget();
+Status StoredRegistry::reading(Operation operation) {
+  if ((depth_ == 0 || refused_ != ERROR_SUCCESS) && store_.changedByOthers()) forget();
   const Status status = operation();
   settle();
   return status;
@@ -76,7 +77,7 @@ Status EmbeddedRegistry::reading(Operation operation) {
 
 // Runs an operation in the change that is open or in one of its own.
 template <typename Operation>
-Status EmbeddedRegistry::writing(Operation operation) {
+Status StoredRegistry::writing(Operation operation) {
   const bool alone = depth_ == 0;
   Status status = alone ? beginChange() : refused_;
   if (status != ERROR_SUCCESS) return status;
@@ -89,34 +90,34 @@ Status EmbeddedRegistry::writing(Operation operation) {
 }
 
 // A failure of the disk, which may come with any call that writes the cache out, ends the change.
-void EmbeddedRegistry::settle() {
-  if (depth_ == 0 || refused_ != ERROR_SUCCESS || database_.failure() == ERROR_SUCCESS) return;
-  refused_ = database_.failure();
+void StoredRegistry::settle() {
+  if (depth_ == 0 || refused_ != ERROR_SUCCESS || store_.failure() == ERROR_SUCCESS) return;
+  refused_ = store_.failure();
   undoChange();
 }
 
-void EmbeddedRegistry::forget() {
-  store_.forget();
+void StoredRegistry::forget() {
   paths_.forget();
+  view_.forget();
 }
 
-Status EmbeddedRegistry::startChange() {
-  Status status = database_.begin();
+Status StoredRegistry::startChange() {
+  Status status = store_.begin();
   if (status != ERROR_SUCCESS) return status;
-  if (database_.changedByOthers()) forget();
+  if (store_.changedByOthers()) forget();
   status = store_.nextKey(firstNewKey_);
-  if (status != ERROR_SUCCESS) database_.rollback();
+  if (status != ERROR_SUCCESS) store_.rollback();
   return status;
 }
 
-void EmbeddedRegistry::undoChange() {
-  database_.rollback();
+void StoredRegistry::undoChange() {
+  store_.rollback();
   forget();
   handles_.loseKeysFrom(firstNewKey_);
 }
 
-Status EmbeddedRegistry::beginChange() {
-  if (database_.readOnly()) return ERROR_WRITE_PROTECT;
+Status StoredRegistry::beginChange() {
+  if (store_.readOnly()) return ERROR_WRITE_PROTECT;
   if (depth_ == 0) {
     refused_ = ERROR_SUCCESS;
     const Status status = startChange();
@@ -126,16 +127,15 @@ Status EmbeddedRegistry::beginChange() {
   return ERROR_SUCCESS;
 }
 
-Status EmbeddedRegistry::commitChange() {
+Status StoredRegistry::commitChange() {
   if (depth_ == 0) return ERROR_INVALID_PARAMETER;
   if (--depth_ > 0 || refused_ != ERROR_SUCCESS) return refused_;
-  Status status = store_.flush();
-  if (status == ERROR_SUCCESS) status = database_.commit();
+  const Status status = store_.commit();
   if (status != ERROR_SUCCESS) undoChange();
   return status;
 }
 
-void EmbeddedRegistry::rollbackChange() {
+void StoredRegistry::rollbackChange() {
   if (depth_ == 0) return;
   --depth_;
   if (refused_ != ERROR_SUCCESS) return;
@@ -144,11 +144,15 @@ void EmbeddedRegistry::rollbackChange() {
   undoChange();
 }
 
-Status EmbeddedRegistry::entryOf(HKEY key, AccessMask needed, OpenKeyEntry& entry) {
+Status StoredRegistry::entryOf(HKEY key, AccessMask needed, OpenKeyEntry& entry) {
   if (isRoot(key)) {
     entry.access = KEY_ALL_ACCESS;
     entry.fixed = true;
-    return paths_.findRoot(key, entry.key);
+    FoundKey root;
+    const Status status = paths_.findRoot(key, root);
+    entry.key = root.key;
+    entry.under = root.under;
+    return status;
   }
   const OpenKeyEntry* const found = handles_.find(key);
   if (found == nullptr) return ERROR_INVALID_HANDLE;
@@ -157,19 +161,26 @@ Status EmbeddedRegistry::entryOf(HKEY key, AccessMask needed, OpenKeyEntry& entr
   return allows(entry.access, needed) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
-Status EmbeddedRegistry::loadKey(HKEY key, AccessMask needed, StoredKey*& stored) {
+Status StoredRegistry::loadKey(HKEY key, AccessMask needed, StoredKey*& stored) {
   OpenKeyEntry entry;
   const Status status = entryOf(key, needed, entry);
   return status == ERROR_SUCCESS ? store_.load(entry.key, stored) : status;
 }
 
-Status EmbeddedRegistry::openHandle(const FoundKey& found, AccessMask access, HKEY& result) {
-  result = handles_.add({found.key, specificRights(access), found.fixed});
+Status StoredRegistry::viewOf(HKEY key, AccessMask needed, LayeredKey& layered) {
+  OpenKeyEntry entry;
+  const Status status = entryOf(key, needed, entry);
+  layered = {entry.key, entry.under};
+  return status;
+}
+
+Status StoredRegistry::openHandle(const FoundKey& found, AccessMask access, HKEY& result) {
+  result = handles_.add({found.key, found.under, specificRights(access), found.fixed});
   return result != 0 ? ERROR_SUCCESS : ERROR_OUTOFMEMORY;
 }
 
-Status EmbeddedRegistry::RegOpenKeyExA(HKEY key, std::string_view subKey, AccessMask access,
-                                       HKEY& result) {
+Status StoredRegistry::RegOpenKeyExA(HKEY key, std::string_view subKey, AccessMask access,
+                                     HKEY& result) {
   const Status checked = paths_.check(subKey);
   if (checked != ERROR_SUCCESS) return checked;
   return reading([&] {
@@ -177,8 +188,7 @@ Status EmbeddedRegistry::RegOpenKeyExA(HKEY key, std::string_view subKey, Access
     FoundKey found;
     Status status = entryOf(key, 0, entry);
     if (status != ERROR_SUCCESS) return status;
-    status = paths_.find(entry.key, subKey, found);
-    if (subKey.empty()) found.fixed = entry.fixed;
+    status = paths_.find({entry.key, entry.under, entry.fixed}, subKey, found);
     // Where nothing was found, or nothing looked for, the start itself may be gone.
     StoredKey* stored = nullptr;
     if (!isRoot(key) && (status == ERROR_FILE_NOT_FOUND || subKey.empty())) {
@@ -189,23 +199,22 @@ Status EmbeddedRegistry::RegOpenKeyExA(HKEY key, std::string_view subKey, Access
   });
 }
 
-Status EmbeddedRegistry::createKey(HKEY key, std::string_view subKey, FoundKey& found,
-                                   bool& created) {
+Status StoredRegistry::createKey(HKEY key, std::string_view subKey, FoundKey& found,
+                                 bool& created) {
   OpenKeyEntry entry;
   Status status = entryOf(key, 0, entry);
-  if (status == ERROR_FILE_NOT_FOUND) status = paths_.createRoot(key, entry.key);
+  if (status == ERROR_FILE_NOT_FOUND && isRoot(key)) status = paths_.createRoot(key, entry.key);
   if (status != ERROR_SUCCESS) return status;
   StoredKey* stored = nullptr;
   status = store_.load(entry.key, stored);
   if (status != ERROR_SUCCESS) return status;
   const bool allowed = allows(entry.access, KEY_CREATE_SUB_KEY);
-  status = paths_.create(entry.key, subKey, allowed, found, created);
-  if (subKey.empty()) found.fixed = entry.fixed;
-  return status;
+  view_.forget();
+  return paths_.create({entry.key, entry.under, entry.fixed}, subKey, allowed, found, created);
 }
 
-Status EmbeddedRegistry::RegCreateKeyExA(HKEY key, std::string_view subKey, AccessMask access,
-                                         HKEY& result, std::uint32_t& disposition) {
+Status StoredRegistry::RegCreateKeyExA(HKEY key, std::string_view subKey, AccessMask access,
+                                       HKEY& result, std::uint32_t& disposition) {
   // An existing key needs no change, so that it can be opened while another process writes.
   Status status = depth_ > 0 ? ERROR_FILE_NOT_FOUND : RegOpenKeyExA(key, subKey, access, result);
   if (status != ERROR_FILE_NOT_FOUND) {
@@ -222,39 +231,38 @@ Status EmbeddedRegistry::RegCreateKeyExA(HKEY key, std::string_view subKey, Acce
   return openHandle(found, access, result);
 }
 
-Status EmbeddedRegistry::RegCloseKey(HKEY key) {
+Status StoredRegistry::RegCloseKey(HKEY key) {
   if (isRoot(key)) return key <= HKEY_CURRENT_CONFIG ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
   return handles_.remove(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
-Status EmbeddedRegistry::RegQueryValueExA(HKEY key, std::string_view valueName, RegType* type,
-                                          void* data, std::uint32_t* size) {
+Status StoredRegistry::RegQueryValueExA(HKEY key, std::string_view valueName, RegType* type,
+                                        void* data, std::uint32_t* size) {
   return reading([&] {
-    StoredKey* stored = nullptr;
-    const Status status = loadKey(key, KEY_QUERY_VALUE, stored);
-    if (status != ERROR_SUCCESS) return status;
-    const std::size_t position = stored->values.find(valueName);
-    if (position == ValueBlob::kNone) return ERROR_FILE_NOT_FOUND;
-    return copyData(stored->values.at(position), type, data, size);
+    LayeredKey layered;
+    ValueBlob::Value value;
+    Status status = viewOf(key, KEY_QUERY_VALUE, layered);
+    if (status == ERROR_SUCCESS) status = view_.value(layered, valueName, value);
+    return status == ERROR_SUCCESS ? copyData(value, type, data, size) : status;
   });
 }
 
-Status EmbeddedRegistry::checkRoom(const ValueBlob& values, std::string_view name,
-                                   std::size_t size) const {
-  const bool nt = family_ == Family::Nt;
-  if (size > (nt ? kNtValueBytes : kNineXValueBytes)) return ERROR_INVALID_PARAMETER;
+Status StoredRegistry::checkRoom(const ValueBlob& values, std::string_view name,
+                                 std::size_t size) const {
+  const std::size_t own = nt() ? kNtValueBytes : kNineXValueBytes;
+  const std::size_t largest = traits_.largestValue == 0 ? own : std::min(own, traits_.largestValue);
+  if (size > largest) return ERROR_INVALID_PARAMETER;
   const std::size_t total = values.packedBytes() + name.size() + size;
-  return total <= (nt ? kNtKeyBytes : kNineXKeyBytes) ? ERROR_SUCCESS : ERROR_OUTOFMEMORY;
+  return total <= (nt() ? kNtKeyBytes : kNineXKeyBytes) ? ERROR_SUCCESS : ERROR_OUTOFMEMORY;
 }
 
-void EmbeddedRegistry::noteChange(StoredKey& key) {
-  key.changed = true;
+void StoredRegistry::noteChange(const StoredKey& key) {
   // Which control set is the current one may be another now.
-  if (family_ == Family::Nt && key.folded == "SELECT") paths_.forget();
+  if (nt() && key.folded == "SELECT") paths_.forget();
 }
 
-Status EmbeddedRegistry::RegSetValueExA(HKEY key, std::string_view valueName, RegType type,
-                                        const void* data, std::uint32_t size) {
+Status StoredRegistry::RegSetValueExA(HKEY key, std::string_view valueName, RegType type,
+                                      const void* data, std::uint32_t size) {
   if (data == nullptr && size > 0) return ERROR_INVALID_PARAMETER;
   const std::string_view bytes(static_cast<const char*>(data), size);
   Status checked = rules_.checkName(valueName);
@@ -264,6 +272,7 @@ Status EmbeddedRegistry::RegSetValueExA(HKEY key, std::string_view valueName, Re
     StoredKey* stored = nullptr;
     Status status = loadKey(key, KEY_SET_VALUE, stored);
     if (status == ERROR_SUCCESS) status = checkRoom(stored->values, valueName, size);
+    if (status == ERROR_SUCCESS) status = store_.aboutToChange(*stored);
     if (status != ERROR_SUCCESS) return status;
     stored->values.set(valueName, type, bytes);
     noteChange(*stored);
@@ -271,55 +280,65 @@ Status EmbeddedRegistry::RegSetValueExA(HKEY key, std::string_view valueName, Re
   });
 }
 
-Status EmbeddedRegistry::RegDeleteValueA(HKEY key, std::string_view valueName) {
+Status StoredRegistry::RegDeleteValueA(HKEY key, std::string_view valueName) {
   return writing([&] {
-    StoredKey* stored = nullptr;
-    const Status status = loadKey(key, KEY_SET_VALUE, stored);
+    LayeredKey layered;
+    Status status = viewOf(key, KEY_SET_VALUE, layered);
     if (status != ERROR_SUCCESS) return status;
-    const std::size_t position = stored->values.find(valueName);
-    if (position == ValueBlob::kNone) return ERROR_FILE_NOT_FOUND;
-    stored->values.erase(position);
-    noteChange(*stored);
-    return ERROR_SUCCESS;
+    for (const std::int64_t id : {layered.key, layered.under}) {
+      StoredKey* stored = nullptr;
+      if (id != 0) status = store_.load(id, stored);
+      if (status != ERROR_SUCCESS) return status;
+      if (stored == nullptr || stored->values.find(valueName) == ValueBlob::kNone) continue;
+      status = store_.aboutToChange(*stored);
+      if (status != ERROR_SUCCESS) return status;
+      stored->values.erase(stored->values.find(valueName));
+      noteChange(*stored);
+      return ERROR_SUCCESS;
+    }
+    return ERROR_FILE_NOT_FOUND;
   });
 }
 
-Status EmbeddedRegistry::deleteKey(HKEY key, std::string_view subKey) {
+Status StoredRegistry::deleteKey(HKEY key, std::string_view subKey) {
   OpenKeyEntry entry;
   FoundKey found;
   Status status = entryOf(key, kAnyWrite, entry);
-  if (status == ERROR_SUCCESS) status = paths_.find(entry.key, subKey, found);
+  if (status == ERROR_SUCCESS) {
+    status = paths_.find({entry.key, entry.under, entry.fixed}, subKey, found);
+  }
   if (status != ERROR_SUCCESS) return status;
-  if (subKey.empty()) found.fixed = entry.fixed;
   bool denied = found.fixed;
   if (!denied) status = paths_.isUserKey(found.key, denied);
-  if (status == ERROR_SUCCESS && !denied && family_ == Family::Nt) {
-    status = store_.hasChildren(found.key, denied);
+  if (status == ERROR_SUCCESS && !denied && nt()) {
+    status = view_.hasChildren({found.key, found.under}, denied);
   }
   if (status != ERROR_SUCCESS) return status;
   if (denied) return ERROR_ACCESS_DENIED;
   status = store_.removeTree(found.key);
-  paths_.forget();
+  // What is named goes: the key that was covered must not come to light.
+  if (status == ERROR_SUCCESS && found.under != 0) status = store_.removeTree(found.under);
+  forget();
   return status;
 }
 
-Status EmbeddedRegistry::RegDeleteKeyA(HKEY key, std::string_view subKey) {
+Status StoredRegistry::RegDeleteKeyA(HKEY key, std::string_view subKey) {
   const Status checked = paths_.check(subKey);
   if (checked != ERROR_SUCCESS) return checked;
   return writing([&] { return deleteKey(key, subKey); });
 }
 
-Status EmbeddedRegistry::RegEnumKeyExA(HKEY key, std::uint32_t index, char* name,
-                                       std::uint32_t* nameLength) {
+Status StoredRegistry::RegEnumKeyExA(HKEY key, std::uint32_t index, char* name,
+                                     std::uint32_t* nameLength) {
   return reading([&] {
     StoredKey* child = nullptr;
     StoredKey* stored = nullptr;
-    OpenKeyEntry entry;
-    Status status = entryOf(key, KEY_ENUMERATE_SUB_KEYS, entry);
+    LayeredKey layered;
+    Status status = viewOf(key, KEY_ENUMERATE_SUB_KEYS, layered);
     if (status != ERROR_SUCCESS) return status;
-    status = store_.childAt(entry.key, index, child);
+    status = view_.childAt(layered, index, child);
     if (status == ERROR_NO_MORE_ITEMS) {
-      const Status start = store_.load(entry.key, stored);
+      const Status start = store_.load(layered.key, stored);
       return start == ERROR_SUCCESS ? status : start;
     }
     if (status == ERROR_SUCCESS) status = nameFits(child->name, name, nameLength);
@@ -328,43 +347,26 @@ Status EmbeddedRegistry::RegEnumKeyExA(HKEY key, std::uint32_t index, char* name
   });
 }
 
-Status EmbeddedRegistry::RegEnumValueA(HKEY key, std::uint32_t index, char* name,
-                                       std::uint32_t* nameLength, RegType* type, void* data,
-                                       std::uint32_t* dataSize) {
+Status StoredRegistry::RegEnumValueA(HKEY key, std::uint32_t index, char* name,
+                                     std::uint32_t* nameLength, RegType* type, void* data,
+                                     std::uint32_t* dataSize) {
   return reading([&] {
-    StoredKey* stored = nullptr;
-    Status status = loadKey(key, KEY_QUERY_VALUE, stored);
-    if (status != ERROR_SUCCESS) return status;
-    if (index >= stored->values.count()) return ERROR_NO_MORE_ITEMS;
-    const auto value = stored->values.at(stored->values.position(index));
-    status = nameFits(value.name, name, nameLength);
+    LayeredKey layered;
+    ValueBlob::Value value;
+    Status status = viewOf(key, KEY_QUERY_VALUE, layered);
+    if (status == ERROR_SUCCESS) status = view_.valueAt(layered, index, value);
+    if (status == ERROR_SUCCESS) status = nameFits(value.name, name, nameLength);
     if (status == ERROR_SUCCESS) status = copyData(value, type, data, dataSize);
     if (status == ERROR_SUCCESS) copyName(value.name, name, nameLength);
     return status;
   });
 }
 
-Status EmbeddedRegistry::RegQueryInfoKeyA(HKEY key, KeyInfo& info) {
+Status StoredRegistry::RegQueryInfoKeyA(HKEY key, KeyInfo& info) {
   return reading([&] {
-    StoredKey* stored = nullptr;
-    Status status = loadKey(key, KEY_QUERY_VALUE, stored);
-    if (status != ERROR_SUCCESS) return status;
-    KeyInfo result;
-    result.values = static_cast<std::uint32_t>(stored->values.count());
-    for (std::uint32_t i = 0; i < result.values; ++i) {
-      const auto value = stored->values.at(stored->values.position(i));
-      const auto name = static_cast<std::uint32_t>(value.name.size());
-      const auto data = static_cast<std::uint32_t>(value.data.size());
-      result.longestValueName = std::max(result.longestValueName, name);
-      result.longestValueData = std::max(result.longestValueData, data);
-    }
-    std::size_t children = 0;
-    std::size_t longest = 0;
-    status = store_.countChildren(stored->id, children, longest);
-    result.subKeys = static_cast<std::uint32_t>(children);
-    result.longestSubKeyName = static_cast<std::uint32_t>(longest);
-    if (status == ERROR_SUCCESS) info = result;
-    return status;
+    LayeredKey layered;
+    const Status status = viewOf(key, KEY_QUERY_VALUE, layered);
+    return status == ERROR_SUCCESS ? view_.info(layered, info) : status;
   });
 }
 
