@@ -116,10 +116,10 @@ Status isEmptyFolder(int folder, bool& empty) {
   });
 }
 
-Status removeOwnFiles(int folder) {
+Status removeOwnFiles(int folder, bool (*pick)(std::string_view name)) {
   std::vector<std::string> names;
   const Status status = forEachName(folder, [&](const std::string& name, unsigned char) {
-    if (isOwnName(name)) names.push_back(name);
+    if (isOwnName(name) && (pick == nullptr || pick(name))) names.push_back(name);
     return true;
   });
   if (status != ERROR_SUCCESS) return status;

@@ -32,7 +32,8 @@ Status findEntry(int folder, std::string_view name, HostEntry& entry);
 Status statEntry(int folder, const std::string& name, HostEntry& entry);
 // True where nothing but Korvex' own files is in it.
 Status isEmptyFolder(int folder, bool& empty);
-Status removeOwnFiles(int folder);
+// Those whose names are picked; all without pick.
+Status removeOwnFiles(int folder, bool (*pick)(std::string_view name) = nullptr);
 
 // One step down a path: folder becomes the folder of this name in it; 3 where that is missing or a
 // file.

@@ -17,13 +17,6 @@ namespace {
 constexpr mode_t kNewFileMode = 0666;  // less the umask
 constexpr int kAttempts = 100;
 
-std::string temporaryName() {
-  std::random_device random;
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%08x%08x.tmp", random(), random());
-  return std::string(kOwnFilePrefix) + text.data();
-}
-
 // Extended attributes outside user.* (labels, ACLs) are kept where the host lets us.
 int copyExtendedAttributes(int from, int to) {
   const ssize_t listSize = ::flistxattr(from, nullptr, 0);
@@ -55,7 +48,14 @@ int changeOwner(int file, const struct stat& old) {
   else
     return errno;
   return 0;
-  return errno;
+}
+
+int changeMode(int file, mode_t mode) {
+  struct stat now {};
+  if (::fstat(file, &now) != 0) return errno;
+  // Hosts without modes refuse to set even the one that all files have.
+  if ((now.st_mode & 07777) == mode) return 0;
+  return ::fchmod(file, mode) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -116,7 +116,8 @@ WholeFileWriter::WholeFileWriter(const std::filesystem::path& file) {
   start(folder.get());
 }
 
-WholeFileWriter::WholeFileWriter(int folder, std::string name) : name_(std::move(name)) {
+WholeFileWriter::WholeFileWriter(int folder, std::string name, std::string stem)
+    : name_(std::move(name)), stem_(std::move(stem)) {
   start(folder);
 }
 
@@ -143,6 +144,13 @@ void WholeFileWriter::start(int folder) {
   }
 }
 
+std::string WholeFileWriter::newTemporaryName() const {
+  std::random_device random;
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%08x%08x", random(), random());
+  return std::string(kOwnFilePrefix) + stem_ + text.data();
+}
+
 // A file without a name vanishes by itself when the program dies; it is named just before the
 // rename, through /proc. Where the host has no such files, a named one does.
 void WholeFileWriter::openTemporary() {
@@ -155,7 +163,7 @@ void WholeFileWriter::openTemporary() {
     }
   }
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    const std::string name = temporaryName();
+    const std::string name = newTemporaryName();
     file_.reset(
         ::openat(folder_.get(), name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode));
     if (file_) {
@@ -179,7 +187,7 @@ void WholeFileWriter::inherit() {
   if (error == 0) error = copyExtendedAttributes(old.get(), file_.get());
   if (error == 0) error = changeOwner(file_.get(), status);
   // Last, because a change of the owner drops mode bits.
-  if (error == 0 && ::fchmod(file_.get(), status.st_mode & 07777) != 0) error = errno;
+  if (error == 0) error = changeMode(file_.get(), status.st_mode & 07777);
   if (error != 0) fail(error);
 }
 
@@ -204,7 +212,7 @@ bool WholeFileWriter::giveTemporaryName() {
   if (!temporaryName_.empty()) return true;
   const std::string link = "/proc/self/fd/" + std::to_string(file_.get());
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    const std::string name = temporaryName();
+    const std::string name = newTemporaryName();
     if (::linkat(AT_FDCWD, link.c_str(), folder_.get(), name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
       temporaryName_ = name;
       return true;
@@ -214,17 +222,19 @@ bool WholeFileWriter::giveTemporaryName() {
   return false;
 }
 
-Status WholeFileWriter::commit() {
+Status WholeFileWriter::prepare() {
   if (status_ != ERROR_SUCCESS) return status_;
-  if (::fsync(file_.get()) != 0 || !giveTemporaryName()) return fail(errno);
+  return ::fsync(file_.get()) == 0 && giveTemporaryName() ? status_ : fail(errno);
+}
+
+Status WholeFileWriter::commit() {
+  if (prepare() != ERROR_SUCCESS) return status_;
   if (::renameat(folder_.get(), temporaryName_.c_str(), folder_.get(), name_.c_str()) != 0) {
     return fail(errno);
   }
   temporaryName_.clear();
   file_.reset();
-  // Some network file systems cannot flush a folder; the rename stands there all the same.
-  if (::fsync(folder_.get()) != 0 && errno != EINVAL) return fail(errno);
-  return status_;
+  return status_ = flushFolder(folder_.get());
 }
 
 Status replaceWholeFile(const std::filesystem::path& file, std::string_view bytes) {
@@ -233,10 +243,15 @@ Status replaceWholeFile(const std::filesystem::path& file, std::string_view byte
   return writer.commit();
 }
 
-Status replaceWholeFile(int folder, const std::string& name, std::string_view bytes) {
-  WholeFileWriter writer(folder, name);
+Status replaceWholeFile(int folder, const std::string& name, std::string_view bytes,
+                        const std::string& stem) {
+  WholeFileWriter writer(folder, name, stem);
   writer.write(bytes);
   return writer.commit();
+}
+
+Status flushFolder(int folder) {
+  return ::fsync(folder) == 0 || errno == EINVAL ? ERROR_SUCCESS : statusOfErrno(errno);
 }
 
 }  // namespace korvex::platform

@@ -25,8 +25,9 @@ class WholeFileWriter {
  public:
   // Follows links, as a file that a person names on the host; the folder must exist.
   explicit WholeFileWriter(const std::filesystem::path& file);
-  // Follows no link; folder is a descriptor and stays the caller's.
-  WholeFileWriter(int folder, std::string name);
+  // Follows no link; folder is a descriptor and stays the caller's. stem stands in the names that
+  // the new version bears before its own: ".korvex-STEMxxxxxxxxxxxxxxxx".
+  WholeFileWriter(int folder, std::string name, std::string stem = {});
   ~WholeFileWriter();
   WholeFileWriter(const WholeFileWriter&) = delete;
   WholeFileWriter& operator=(const WholeFileWriter&) = delete;
@@ -39,21 +40,33 @@ class WholeFileWriter {
   // Success means that the new file is on the disk under its name.
   Status commit();
 
+  // For files that are to be renamed together: the new version is on the disk under a name of its
+  // own. It goes with this object, unless it is renamed or kept.
+  Status prepare();
+  const std::string& preparedName() const { return temporaryName_; }
+  void keep() { temporaryName_.clear(); }
+
  private:
   void start(int folder);
   void openTemporary();
   void inherit();
+  std::string newTemporaryName() const;
   bool giveTemporaryName();
   Status fail(int error);
 
   FileDescriptor folder_;
   FileDescriptor file_;
   std::string name_;
+  std::string stem_;
   std::string temporaryName_;  // empty while the new file has no name
   Status status_ = ERROR_SUCCESS;
 };
 
 Status replaceWholeFile(const std::filesystem::path& file, std::string_view bytes);
-Status replaceWholeFile(int folder, const std::string& name, std::string_view bytes);
+Status replaceWholeFile(int folder, const std::string& name, std::string_view bytes,
+                        const std::string& stem = {});
+// So that what has come and gone in it stays so. Network file systems that cannot flush a folder
+// count as done: a rename stands there all the same.
+Status flushFolder(int folder);
 
 }  // namespace korvex::platform
