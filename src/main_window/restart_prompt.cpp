@@ -26,7 +26,7 @@ void p_AdjustToken(Session& session) {
 }
 
 void askForRestart(Session& session) {
-  if (session.g_bNoShowReboot) return;
+  if (session.g_bNoShowReboot || !session.machine().restart().systemRuns()) return;
   const std::string text = fmt::format(
       "Some of your selections require a reboot before they take affect.{0}{0}"
       "Would you like Korvex to reboot your system now?",

@@ -57,6 +57,8 @@ class Machine {
   // Nothing where another Korvex holds the claim. Wait::Yes waits a few seconds for it: scripts
   // that follow each other closely queue up instead of failing.
   virtual std::unique_ptr<InstanceClaim> claimInstance(Wait wait) = 0;
+  // Who holds the claim, for people: "korvex-gui (process 1234)"; "" where that cannot be told.
+  virtual std::string claimHolder() { return {}; }
 };
 
 // The outcome of opening a machine: a machine, or a status with a sentence that says what to do.

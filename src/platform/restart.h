@@ -24,6 +24,8 @@ class Restart {
                                        std::uint64_t& identifier) = 0;
   virtual Status AdjustTokenPrivileges(std::uint32_t token, std::uint64_t identifier,
                                        std::uint32_t attributes) = 0;
+  // False where Windows is not running and so takes everything in when it starts.
+  virtual bool systemRuns() { return true; }
   // flags: EWX_... bits. Needs the shutdown privilege on NT (5 without it).
   virtual Status ExitWindowsEx(std::uint32_t flags, std::uint32_t reserved) = 0;
 };

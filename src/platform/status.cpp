@@ -40,6 +40,7 @@ constexpr auto kWords = std::to_array<std::pair<Status, const char*>>({
     {ERROR_NO_UNICODE_TRANSLATION, "the machine's code page cannot hold the text"},
     {ERROR_CANCELLED, "the change was given up"},
     {ERROR_PRIVILEGE_NOT_HELD, "a required privilege is not held"},
+    {ERROR_NO_SYSTEM_RESOURCES, "the registry file has no room for it"},
 });
 
 }  // namespace

@@ -41,6 +41,7 @@ constexpr Status ERROR_KEY_DELETED = 1018;
 constexpr Status ERROR_NO_UNICODE_TRANSLATION = 1113;
 constexpr Status ERROR_CANCELLED = 1223;
 constexpr Status ERROR_PRIVILEGE_NOT_HELD = 1314;
+constexpr Status ERROR_NO_SYSTEM_RESOURCES = 1450;
 
 // "5 (access is denied)": the number and Windows' own words for it, for people.
 std::string describeStatus(Status status);

@@ -37,6 +37,7 @@ class ComposedMachine : public Machine {
   std::unique_ptr<InstanceClaim> claimInstance(Wait wait) override {
     return inner_.claimInstance(wait);
   }
+  std::string claimHolder() override { return inner_.claimHolder(); }
 
  private:
   Machine& inner_;

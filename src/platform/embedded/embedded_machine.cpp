@@ -78,18 +78,16 @@ class EmbeddedMachine : public Machine {
   Windows& windows() override { return windows_; }
 
   MachineDescription describe() override {
-    const VersionInfo& version = file_.version;
-    return {
-        "embedded",
-        folder_.string(),
-        file_.name,
-        fmt::format("{}.{}.{}", version.majorVersion, version.minorVersion, version.buildNumber),
-        file_.productType,
-        file_.user,
-        file_.computerName,
-        "machine.json and registry.db",
-        database_->readOnly(),
-        file_.codePage};
+    return {"embedded",
+            folder_.string(),
+            file_.name,
+            versionText(file_),
+            file_.productType,
+            file_.user,
+            file_.computerName,
+            "machine.json and registry.db",
+            database_->readOnly(),
+            file_.codePage};
   }
 
   std::unique_ptr<InstanceClaim> claimInstance(Wait wait) override {

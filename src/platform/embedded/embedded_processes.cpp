@@ -1,130 +1,15 @@
-// The registry editor's command line.
+// Programs of an embedded machine.
 #include "platform/embedded/embedded_processes.h"
 
 #include <fmt/format.h>
 
-#include <vector>
-
-#include "platform/common/reg_export.h"
-#include "platform/common/reg_import.h"
-#include "platform/common/text.h"
-
 namespace korvex::platform {
-namespace {
-
-// Words are set off by blanks; quotes keep blanks in a word.
-std::vector<std::string> wordsOf(std::string_view commandLine) {
-  std::vector<std::string> words;
-  bool quoted = false;
-  bool inWord = false;
-  for (const char c : commandLine) {
-    const bool blank = !quoted && (c == ' ' || c == '\t');
-    if (!blank && !inWord) words.emplace_back();
-    inWord = !blank;
-    if (c == '"') {
-      quoted = !quoted;
-    } else if (inWord) {
-      words.back() += c;
-    }
-  }
-  return words;
-}
-
-bool isRegistryEditor(std::string_view program) {
-  const std::size_t folder = program.find_last_of("\\/");
-  if (folder != std::string_view::npos) program.remove_prefix(folder + 1);
-  return sameName(program, "regedit") || sameName(program, "regedit.exe");
-}
-
-// What the editor was asked to do.
-struct EditorCall {
-  bool isExport = false;
-  std::vector<std::string> names;  // the file, and the key of an export
-  std::string unknown;             // a switch that the editor does not have
-};
-
-EditorCall readCall(const std::vector<std::string>& words) {
-  EditorCall call;
-  for (std::size_t i = 1; i < words.size(); ++i) {
-    const std::string& word = words[i];
-    const bool isSwitch = word.size() > 1 && (word[0] == '/' || word[0] == '-');
-    if (!isSwitch) {
-      call.names.push_back(word);
-    } else if (sameName(word.substr(1), "e")) {
-      call.isExport = true;
-    } else if (!sameName(word.substr(1), "s")) {
-      call.unknown = word;
-    }
-  }
-  return call;
-}
-
-}  // namespace
 
 Status EmbeddedProcesses::run(std::string_view commandLine, int& exitCode, std::string& message) {
+  if (RegistryEditor::isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
   exitCode = 1;
-  const auto words = wordsOf(commandLine);
-  if (words.empty()) return ERROR_INVALID_PARAMETER;
-  if (!isRegistryEditor(words.front())) return refuse(commandLine, message);
-  const EditorCall call = readCall(words);
-  const std::size_t most = call.isExport ? 2 : 1;
-  if (!call.unknown.empty() || call.names.empty() || call.names.size() > most) {
-    message = fmt::format("{}: use \"regedit /e FILE [KEY]\" or \"regedit /s FILE\".", commandLine);
-    return ERROR_INVALID_PARAMETER;
-  }
-  const std::string key = call.names.size() > 1 ? call.names[1] : std::string();
-  const Status status =
-      call.isExport ? exportKeys(call.names[0], key, message) : importFile(call.names[0], message);
-  exitCode = status == ERROR_SUCCESS ? 0 : 1;
-  return status;
-}
-
-Status EmbeddedProcesses::exportKeys(const std::string& file, const std::string& key,
-                                     std::string& message) {
-  auto keys = wholeRegistry();
-  if (!key.empty()) {
-    const auto path = parseKeyPath(key);
-    if (!path) {
-      message = fmt::format("{}: a key begins with the name of a root.", key);
-      return ERROR_FILE_NOT_FOUND;
-    }
-    keys = {*path};
-  }
-  std::unique_ptr<WholeFileWriter> writer;
-  Status status = files_.openToReplace(file, writer);
-  if (status != ERROR_SUCCESS) {
-    message = fmt::format("{}: {}.", file, describeStatus(status));
-    return status;
-  }
-  const bool unicode = machine_.family == Family::Nt && machine_.version.majorVersion >= 5;
-  RegExportOptions options;
-  options.format = unicode ? RegFormat::Version5 : RegFormat::Regedit4;
-  options.codePage = machine_.codePage;
-  const auto sink = [&](std::string_view piece) { return writer->write(piece); };
-  const auto result = exportRegPieces(registry_, keys, sink, options);
-  status = result.status == ERROR_SUCCESS ? writer->commit() : result.status;
-  if (result.leftOutCount > 0) message = result.leftOut.front();
-  if (status != ERROR_SUCCESS) {
-    message = fmt::format("{}: {}", file,
-                          result.message.empty() ? describeStatus(status) : result.message);
-  }
-  return status;
-}
-
-Status EmbeddedProcesses::importFile(const std::string& file, std::string& message) {
-  FileDescriptor source;
-  const Status status = files_.openToRead(file, source);
-  if (status != ERROR_SUCCESS) {
-    message = fmt::format("{}: {}.", file, describeStatus(status));
-    return status;
-  }
-  RegImportOptions options;
-  options.source = file;
-  options.codePage = machine_.codePage;
-  const auto result = importRegDescriptor(registry_, source.get(), options);
-  message = result.message;
-  if (message.empty() && result.refused > 0) message = result.messages.front();
-  return result.status;
+  if (commandLine.empty()) return ERROR_INVALID_PARAMETER;
+  return refuse(commandLine, message);
 }
 
 Status EmbeddedProcesses::refuse(std::string_view commandLine, std::string& message) {
@@ -138,10 +23,8 @@ Status EmbeddedProcesses::refuse(std::string_view commandLine, std::string& mess
 Status EmbeddedProcesses::ShellExecuteA(std::string_view /*verb*/, std::string_view file,
                                         std::string_view parameters, std::string_view /*folder*/,
                                         std::string& message) {
-  std::string commandLine = fmt::format("\"{}\"", file);
-  if (!parameters.empty()) commandLine += fmt::format(" {}", parameters);
   int exitCode = 0;
-  return run(commandLine, exitCode, message);
+  return run(commandLineOf(file, parameters), exitCode, message);
 }
 
 }  // namespace korvex::platform

@@ -5,37 +5,25 @@
 #include <string>
 #include <string_view>
 
+#include "platform/common/facts_system_info.h"
 #include "platform/embedded/event_log.h"
 #include "platform/embedded/machine_file.h"
 #include "platform/files.h"
 #include "platform/restart.h"
-#include "platform/system_info.h"
 #include "platform/window_lookup.h"
 
 namespace korvex::platform {
 
-class EmbeddedSystemInfo : public SystemInfo {
+// File versions come from machine.json first, since a sample's files are empty.
+class EmbeddedSystemInfo : public FactsSystemInfo {
  public:
-  EmbeddedSystemInfo(const MachineFile& machine, Files& files) : machine_(machine), files_(files) {}
+  EmbeddedSystemInfo(const MachineFile& machine, Files& files)
+      : FactsSystemInfo(machine, files), machine_(machine) {}
 
-  std::uint32_t GetVersion() override;
-  Status GetVersionExA(VersionInfo& info) override;
-  std::string GetWindowsDirectoryA() override { return machine_.windowsFolder; }
-  std::string GetSystemDirectoryA() override { return machine_.systemFolder; }
-  std::string GetTempPathA() override;
-  std::string ExpandEnvironmentStringsA(std::string_view text) override;
-  Status GetShortPathNameA(std::string_view path, std::string& result) override {
-    return files_.shortPath(path, result);
-  }
-  std::string GetUserNameA() override { return machine_.user; }
-  std::string GetComputerNameA() override { return machine_.computerName; }
   Status GetFileVersionInfoA(std::string_view path, FileVersion& version) override;
-  std::string fileSystemOf(std::string_view drive) override;
-  bool isAdministrator() override { return machine_.administrator; }
 
  private:
   const MachineFile& machine_;
-  Files& files_;
 };
 
 // Records the request. On NT the token's shutdown privilege must have been enabled (1314), which

@@ -7,9 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/common/machine_facts.h"
 #include "platform/status.h"
-#include "platform/stored/key_paths.h"
-#include "platform/system_info.h"
 
 namespace korvex::platform {
 
@@ -18,24 +17,10 @@ struct OpenWindow {
   std::string title;
 };
 
-struct MachineFile {
+struct MachineFile : MachineFacts {
   std::string windows;  // "95", "98", "me", "nt4", "2000", "2000-server"
-  std::string name;     // "Windows 2000 Professional"
-  Family family = Family::Nt;
-  VersionInfo version;
-  std::string productType;
-  std::string user;
-  std::string computerName;
-  bool administrator = true;
-  int codePage = 1252;
-  int oemCodePage = 437;
   std::string userKey;
-  std::string windowsFolder;
-  std::string systemFolder;
-  std::string tempFolder;
-  std::map<std::string, std::string> environment;   // names folded
   std::map<std::string, FileVersion> fileVersions;  // paths folded
-  std::map<std::string, std::string> fileSystems;   // "C" to "NTFS"
   std::vector<OpenWindow> openWindows;
   std::map<std::string, std::uint32_t> initialAttributes;  // of a sample only
 };

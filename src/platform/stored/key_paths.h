@@ -7,12 +7,11 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "platform/common/machine_facts.h"
 #include "platform/stored/key_store.h"
 #include "platform/stored/names.h"
 
 namespace korvex::platform {
-
-enum class Family { Nt, NineX };
 
 // Where the roots of a registry lie.
 struct RegistryPlaces {

@@ -52,6 +52,8 @@ class KeyStore {
   virtual Status create(std::int64_t parent, std::string_view name, std::int64_t& id) = 0;
   // The key with everything beneath it.
   virtual Status removeTree(std::int64_t id) = 0;
+  // Whether the key can have a value like this; 0, 87 or 1450.
+  virtual Status accepts(const StoredKey&, RegType, std::string_view) { return ERROR_SUCCESS; }
   // Before the values of a key are changed in place.
   virtual Status aboutToChange(StoredKey& key) = 0;
   // Keys created from now on have this number or a higher one.

@@ -249,9 +249,7 @@ Status StoredRegistry::RegQueryValueExA(HKEY key, std::string_view valueName, Re
 
 Status StoredRegistry::checkRoom(const ValueBlob& values, std::string_view name,
                                  std::size_t size) const {
-  const std::size_t own = nt() ? kNtValueBytes : kNineXValueBytes;
-  const std::size_t largest = traits_.largestValue == 0 ? own : std::min(own, traits_.largestValue);
-  if (size > largest) return ERROR_INVALID_PARAMETER;
+  if (size > (nt() ? kNtValueBytes : kNineXValueBytes)) return ERROR_INVALID_PARAMETER;
   const std::size_t total = values.packedBytes() + name.size() + size;
   return total <= (nt() ? kNtKeyBytes : kNineXKeyBytes) ? ERROR_SUCCESS : ERROR_OUTOFMEMORY;
 }
@@ -272,6 +270,7 @@ Status StoredRegistry::RegSetValueExA(HKEY key, std::string_view valueName, RegT
     StoredKey* stored = nullptr;
     Status status = loadKey(key, KEY_SET_VALUE, stored);
     if (status == ERROR_SUCCESS) status = checkRoom(stored->values, valueName, size);
+    if (status == ERROR_SUCCESS) status = store_.accepts(*stored, type, bytes);
     if (status == ERROR_SUCCESS) status = store_.aboutToChange(*stored);
     if (status != ERROR_SUCCESS) return status;
     stored->values.set(valueName, type, bytes);

@@ -16,7 +16,6 @@ namespace korvex::platform {
 struct RegistryTraits {
   RegistryPlaces places;
   const CodePage* codePage = nullptr;  // the text that it can hold; null: all of Unicode
-  std::size_t largestValue = 0;        // bytes of data; 0: the family's own limit
 };
 
 // The order in which subkeys are told.
