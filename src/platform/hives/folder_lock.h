@@ -1,5 +1,6 @@
 // The lock on a machine's folder that the one Korvex holds which changes it. Nothing is written:
-// the lock is on the folder itself, and the kernel drops it with its holder.
+// the lock is on the folder itself, and the kernel drops it with its holder. Only where the host
+// cannot lock a folder (NFS) it is on a file in it, ".korvex-lock", which stays there empty.
 #pragma once
 
 #include <filesystem>
@@ -16,7 +17,8 @@ class FolderLock {
 
   // True where this object holds it already. Each object is a holder of its own, also within one
   // process. Wait::Yes tries for five seconds.
-  Status take(Wait wait);  // 170: another holds it; 3: no such folder
+  // 170: another holds it; 3: no such folder; 50: nothing there can be locked.
+  Status take(Wait wait);
   void release() { descriptor_.reset(); }
   bool held() const { return static_cast<bool>(descriptor_); }
 
