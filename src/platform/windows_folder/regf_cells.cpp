@@ -153,14 +153,11 @@ Status RegfCells::value(RegfOffset offset, RegfValue& value) const {
   value.flags = read16(bytes, 16);
   value.name = {bytes.substr(kValueFixed, nameLength), (value.flags & 1) == 0};
   if (value.name.isWide && nameLength % 2 != 0) return ERROR_BADDB;
-  value.dataCell = kNoCell;
   value.inPieces = false;
   value.shortData = read32(bytes, 8);
-  if ((read32(bytes, 4) & kStoredInValue) != 0) {
-    return value.size <= 4 ? ERROR_SUCCESS : ERROR_BADDB;
-  }
-  if (value.size == 0) return ERROR_SUCCESS;
-  value.dataCell = value.shortData;
+  value.isShort = (read32(bytes, 4) & kStoredInValue) != 0;
+  value.dataCell = value.isShort ? kNoCell : value.shortData;
+  if (value.isShort) return value.size <= 4 ? ERROR_SUCCESS : ERROR_BADDB;
   const std::string_view data = cell(value.dataCell);
   value.inPieces = data.size() < value.size;
   const bool listsPieces = value.size > kPieceSize && data.size() >= 8 && data.substr(0, 2) == "db";
@@ -188,7 +185,7 @@ Status RegfCells::pieces(const RegfValue& value, std::vector<RegfOffset>& cells)
 }
 
 Status RegfCells::data(const RegfValue& value, std::string& bytes) const {
-  if (value.dataCell == kNoCell) {
+  if (value.isShort) {
     bytes.assign(reinterpret_cast<const char*>(&value.shortData), std::min(value.size, 4U));
     return ERROR_SUCCESS;
   }

@@ -43,7 +43,8 @@ struct RegfValue {
   std::uint16_t flags = 0;
   RegType type = REG_NONE;
   std::uint32_t size = 0;
-  std::uint32_t shortData = 0;  // up to four bytes stand in the value itself, without a cell
+  bool isShort = false;  // up to four bytes stand in the value itself, without a cell
+  std::uint32_t shortData = 0;
   RegfOffset dataCell = kNoCell;
   bool inPieces = false;  // dataCell tells of pieces, which hold 16344 bytes each
 };

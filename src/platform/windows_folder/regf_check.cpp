@@ -91,7 +91,8 @@ class Walk {
     RegfValue value;
     for (const RegfOffset each : values) {
       if (!claim(each) || cells_.value(each, value) != ERROR_SUCCESS) return false;
-      if (value.dataCell != kNoCell && !claim(value.dataCell)) return false;
+      // Also where there are no data: hivex frees what is said to be their cell, whatever it is.
+      if (!value.isShort && !claim(value.dataCell)) return false;
       if (value.inPieces && !takePieces(value)) return false;
     }
     return true;

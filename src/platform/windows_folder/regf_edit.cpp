@@ -36,8 +36,6 @@ constexpr std::size_t kLongestValueName = 16383;
 
 Status statusOfHivex(int error) {
   switch (error) {
-    case EILSEQ:
-      return ERROR_NO_UNICODE_TRANSLATION;
     case EEXIST:
       return ERROR_ALREADY_EXISTS;
     case ERANGE:
@@ -71,6 +69,14 @@ std::uint64_t windowsTimeNow() {
   constexpr std::uint64_t kSecondsTo1970 = 11644473600;
   const auto now = duration_cast<nanoseconds>(system_clock::now().time_since_epoch()).count();
   return kSecondsTo1970 * 10000000 + static_cast<std::uint64_t>(now) / 100;
+}
+
+// hivex takes no lone surrogates, which begin like this.
+bool isPlainUnicode(std::string_view name) {
+  for (std::size_t at = 0; at + 1 < name.size(); ++at) {
+    if (name[at] == '\xED' && static_cast<unsigned char>(name[at + 1]) >= 0xA0) return false;
+  }
+  return isWellFormed(name);
 }
 
 // The values of one key as they are to be, in their order.
@@ -169,6 +175,7 @@ Status RegfEdit::addKey(HiveNode parent, std::string_view name, HiveNode& key) {
       characterCount(name) > kLongestKeyName) {
     return ERROR_INVALID_NAME;
   }
+  if (!isPlainUnicode(name)) return ERROR_NO_UNICODE_TRANSLATION;
   if (const Status status = mayChange(parent)) return status;
   errno = 0;
   const hive_node_h node = hivex_node_add_child(hive_, parent, std::string(name).c_str());
