@@ -66,8 +66,8 @@ std::string InterruptedChange::newVersionOf(const std::string& path) const {
   return {};
 }
 
-Status InterruptedChange::finishFile(File& file, std::string& message) {
-  if (file.state == State::New) return file.rename.removeOld();
+Status InterruptedChange::leaveUnlessNew(File& file, std::string& message) {
+  if (file.state == State::New) return ERROR_SUCCESS;
   std::string left;
   const Status status = file.rename.leave(left);
   if (status == ERROR_FILE_NOT_FOUND) return ERROR_SUCCESS;
@@ -100,7 +100,7 @@ Status InterruptedChange::finish(int folder, std::string& message) {
     if (fails(file, status)) return status;
   }
   for (File& file : files_) {
-    const Status status = finishFile(file, message);
+    const Status status = leaveUnlessNew(file, message);
     if (fails(file, status)) return status;
   }
   const Status status = removeNote(folder);
@@ -108,7 +108,8 @@ Status InterruptedChange::finish(int folder, std::string& message) {
     message = fmt::format("{}: {}.", kNoteName, describeStatus(status));
     return status;
   }
-  // What cannot be removed now is tried again by the next change there.
+  // The old files, where they have changed names with the new ones. What cannot be removed now is
+  // tried again by the next change there.
   for (const File& file : files_) {
     if (file.rename.folder() >= 0) (void)removeOrphans(file.rename.folder());
   }

@@ -24,7 +24,7 @@ class InterruptedChange {
     FileRename::State state = FileRename::State::Changed;
   };
   bool goesOn() const;
-  Status finishFile(File& file, std::string& message);
+  Status leaveUnlessNew(File& file, std::string& message);
 
   std::vector<File> files_;
 };

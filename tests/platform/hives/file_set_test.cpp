@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <time.h>
 
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -179,7 +180,11 @@ TEST_F(FileSetTest, AKillWhileItIsFinishedLosesNothing) {
 
 TEST_F(FileSetTest, KillsAtAnyMomentLeaveAllNewOrAllOld) {
   std::mt19937 random(20000217);
-  Contents last = kOld;
+  const auto begin = std::chrono::steady_clock::now();
+  ASSERT_EQ(change(), ERROR_SUCCESS);
+  const auto oneChange = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - begin);
+  Contents last = kNew;
   for (int round = 0; round < 40; ++round) {
     test::ChildProcess child([&] {
       for (int i = 0;; ++i) {
@@ -188,17 +193,17 @@ TEST_F(FileSetTest, KillsAtAnyMomentLeaveAllNewOrAllOld) {
         if (change(next) != ERROR_SUCCESS) return 1;
       }
     });
-    ::usleep(1000 + random() % 20000);
+    ::usleep(500 + random() % (4 * static_cast<unsigned>(oneChange.count())));
     child.kill();
     const Contents expected = seen();
     ASSERT_EQ(finish(), ERROR_SUCCESS) << message_;
     const Contents now = contents();
     ASSERT_EQ(now, expected);
-    ASSERT_EQ(now.at("system.reg") == now.at("user.reg"), now != kOld);
-    ASSERT_EQ(now.at("sub/new.reg") == now.at("user.reg"), now != kOld);
+    ASSERT_EQ(now.at("system.reg") == now.at("user.reg"), now != kNew);
+    ASSERT_EQ(now.at("sub/new.reg") == now.at("user.reg"), now != kNew);
     last = now;
   }
-  EXPECT_NE(last, kOld);
+  EXPECT_NE(last, kNew);
 }
 
 TEST_F(FileSetTest, TheOldFileStandsWhereItsCheckFails) {
@@ -228,6 +233,18 @@ TEST_F(FileSetTest, TheOldFileStandsWhereItsCheckFails) {
     EXPECT_NE(bytesOf(folder_ / "user.reg"), "x");
     EXPECT_EQ(ownFiles(), std::vector<std::string>());
   }
+}
+
+TEST_F(FileSetTest, WhatOthersWriteBetweenCheckAndRenameIsNotLost) {
+  test::hostCalls().beforeExchange = [this] {
+    if (bytesOf(folder_ / "user.reg") == "old user") put("user.reg", "theirs, just now");
+  };
+  EXPECT_EQ(change(), ERROR_SHARING_VIOLATION);
+  test::hostCalls() = {};
+  Contents expected = kOld;
+  expected["user.reg"] = "theirs, just now";
+  EXPECT_EQ(contents(), expected);
+  EXPECT_EQ(ownFiles(), std::vector<std::string>());
 }
 
 TEST_F(FileSetTest, WhatOthersHaveChangedSinceIsLeftAlone) {

@@ -49,6 +49,7 @@ int renameat2(int from, const char* name, int to, const char* newName, unsigned 
     errno = EINVAL;
     return -1;
   }
+  if (korvex::test::hostCalls().beforeExchange) korvex::test::hostCalls().beforeExchange();
   return static_cast<int>(korvex::test::counted(SYS_renameat2, from, name, to, newName, flags));
 }
 
