@@ -96,7 +96,7 @@ std::string holderOf(const struct stat& locked) {
     const bool sameDevice =
         lock.major == major(locked.st_dev) && lock.minor == minor(locked.st_dev);
     if (!sameDevice && !hasOpen(lock.process, locked)) continue;
-    const std::string name = describeProcess(lock.process);
+    std::string name = describeProcess(lock.process);
     if (!name.empty()) return name;
   }
   return {};

@@ -165,6 +165,7 @@ std::vector<FileDescriptor> WineServer::lockFiles(int flags) const {
   std::stable_sort(found.begin(), found.end(),
                    [](const auto& left, const auto& right) { return left.first > right.first; });
   std::vector<FileDescriptor> locks;
+  locks.reserve(found.size());
   for (auto& [used, lock] : found) locks.push_back(std::move(lock));
   return locks;
 }
