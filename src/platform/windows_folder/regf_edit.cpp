@@ -1,8 +1,7 @@
 // Changes an NT hive through hivex, which keeps all that is not named: classes, security, flags.
 //
-// Values are gathered and handed over once per key when the hive is written, as hivex sets all
-// values of a key at a time and every call takes new space. Their names are put in afterwards
-// (regf_patch.h): hivex takes no NUL and no lone surrogate, and would spoil the neighbours' names.
+// Values are handed over once per key, when the hive is written; then regf_patch.h puts right what
+// hivex leaves.
 #include "platform/windows_folder/regf_edit.h"
 
 #include <hivex.h>
@@ -11,10 +10,8 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <map>
 #include <set>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -26,6 +23,7 @@
 #include "platform/windows_folder/regf_check.h"
 #include "platform/windows_folder/regf_patch.h"
 #include "platform/windows_folder/regf_reader.h"
+#include "platform/windows_folder/regf_value_list.h"
 
 namespace korvex::platform {
 
@@ -33,19 +31,6 @@ namespace {
 
 constexpr std::size_t kLongestKeyName = 255;
 constexpr std::size_t kLongestValueName = 16383;
-
-Status statusOfHivex(int error) {
-  switch (error) {
-    case EEXIST:
-      return ERROR_ALREADY_EXISTS;
-    case ERANGE:
-      return ERROR_NO_SYSTEM_RESOURCES;
-    case ENOMEM:
-      return ERROR_OUTOFMEMORY;
-    default:
-      return ERROR_BADDB;
-  }
-}
 
 std::string pathOf(const FileDescriptor& file) {
   return "/proc/self/fd/" + std::to_string(file.get());
@@ -79,32 +64,6 @@ bool isPlainUnicode(std::string_view name) {
   return isWellFormed(name);
 }
 
-// The values of one key as they are to be, in their order.
-struct ValueList {
-  struct Value {
-    RegfStoredName name;
-    RegType type = REG_NONE;
-    std::string data;
-    bool deleted = false;
-  };
-  std::vector<Value> values;
-  std::unordered_map<std::string, std::size_t> byName;  // folded
-
-  void add(const std::string& name, Value value) {
-    byName.emplace(foldName(name), values.size());
-    values.push_back(std::move(value));
-  }
-};
-
-// What hivex is to write for a name until its bytes are put in: as many characters, of one byte or
-// of two.
-std::string standIn(const RegfStoredName& name) {
-  if ((name.flags & 1) != 0 || name.bytes.empty()) return std::string(name.bytes.size(), 'x');
-  std::string result;
-  for (std::size_t i = 0; i < name.bytes.size() / 2; ++i) result += "\xE4\xB8\x80";
-  return result;
-}
-
 class RegfEdit : public HiveEdit {
  public:
   RegfEdit(std::shared_ptr<const std::string> before, hive_h* hive)
@@ -125,14 +84,11 @@ class RegfEdit : public HiveEdit {
   HiveNode parentOf(HiveNode key) const;
   bool stands(HiveNode key) const;
   Status mayChange(HiveNode key) const;
-  Status valuesOf(HiveNode key, ValueList*& list);
-  Status readValues(HiveNode key, ValueList& list) const;
+  Status valuesOf(HiveNode key, RegfValueList*& list);
 
   Status build();
-  Status handOver(HiveNode key, const ValueList& list);
   Status commit(std::string& bytes);
   Status putRight(std::string& bytes) const;
-  Status putKeyRight(std::string& bytes, HiveNode key, const ValueList& list) const;
 
   std::shared_ptr<const std::string> before_;
   RegfReader reader_;
@@ -140,7 +96,7 @@ class RegfEdit : public HiveEdit {
   std::map<HiveNode, HiveNode> added_;  // with their parents
   std::set<HiveNode> removed_;
   std::set<HiveNode> touched_;  // whose values or subkeys have changed
-  std::map<HiveNode, ValueList> values_;
+  std::map<HiveNode, RegfValueList> values_;
   std::shared_ptr<const std::string> after_;  // null until it is built
 };
 
@@ -199,33 +155,14 @@ Status RegfEdit::removeTree(HiveNode key) {
   return ERROR_SUCCESS;
 }
 
-Status RegfEdit::readValues(HiveNode key, ValueList& list) const {
-  if (added_.count(key) != 0) return ERROR_SUCCESS;
-  const RegfCells& cells = reader_.cells();
-  RegfKey record;
-  std::vector<RegfOffset> offsets;
-  if (const Status status = cells.key(regfOffset(key), record)) return status;
-  if (const Status status = cells.valueList(record, offsets)) return status;
-  RegfValue value;
-  for (const RegfOffset each : offsets) {
-    if (const Status status = cells.value(each, value)) return status;
-    // hivex would put such data into one cell, which Windows does not read.
-    if (value.inPieces) return ERROR_NOT_SUPPORTED;
-    ValueList::Value kept;
-    kept.name = {std::string(value.name.bytes), value.flags};
-    kept.type = value.type;
-    if (const Status status = cells.data(value, kept.data)) return status;
-    list.add(value.name.text(), std::move(kept));
-  }
-  return ERROR_SUCCESS;
-}
-
-Status RegfEdit::valuesOf(HiveNode key, ValueList*& list) {
+Status RegfEdit::valuesOf(HiveNode key, RegfValueList*& list) {
   if (const Status status = mayChange(key)) return status;
   auto found = values_.find(key);
   if (found == values_.end()) {
-    ValueList read;
-    if (const Status status = readValues(key, read)) return status;
+    RegfValueList read;
+    if (added_.count(key) == 0) {
+      if (const Status status = read.read(reader_.cells(), regfOffset(key))) return status;
+    }
     found = values_.emplace(key, std::move(read)).first;
   }
   list = &found->second;
@@ -239,51 +176,21 @@ Status RegfEdit::setValue(HiveNode key, const HiveValue& value) {
       value.name.find('\0') != std::string::npos) {
     return ERROR_INVALID_PARAMETER;
   }
-  ValueList* list = nullptr;
+  RegfValueList* list = nullptr;
   if (const Status status = valuesOf(key, list)) return status;
-  const auto found = list->byName.find(foldName(value.name));
-  if (found != list->byName.end()) {
-    ValueList::Value& old = list->values[found->second];
-    old.type = value.type;
-    old.data = std::move(data);
-  } else {
-    list->add(value.name, {storedRegfName(value.name), value.type, std::move(data), false});
-  }
+  list->set(value.name, value.type, std::move(data));
   touched_.insert(key);
   after_.reset();
   return ERROR_SUCCESS;
 }
 
 Status RegfEdit::deleteValue(HiveNode key, std::string_view name) {
-  ValueList* list = nullptr;
+  RegfValueList* list = nullptr;
   if (const Status status = valuesOf(key, list)) return status;
-  const auto found = list->byName.find(foldName(name));
-  if (found == list->byName.end()) return ERROR_FILE_NOT_FOUND;
-  list->values[found->second].deleted = true;
-  list->byName.erase(found);
+  if (!list->erase(name)) return ERROR_FILE_NOT_FOUND;
   touched_.insert(key);
   after_.reset();
   return ERROR_SUCCESS;
-}
-
-Status RegfEdit::handOver(HiveNode key, const ValueList& list) {
-  std::vector<std::string> names;
-  std::vector<hive_set_value> sets;
-  names.reserve(list.values.size());  // the sets point into it
-  for (const ValueList::Value& each : list.values) {
-    if (each.deleted) continue;
-    names.push_back(standIn(each.name));
-    hive_set_value set{};
-    set.key = names.back().data();
-    // Whatever the number: the type in hivex.h lists the known ones only.
-    std::memcpy(&set.t, &each.type, sizeof set.t);
-    set.len = each.data.size();
-    set.value = const_cast<char*>(each.data.data());
-    sets.push_back(set);
-  }
-  errno = 0;
-  const int result = hivex_node_set_values(hive_, key, sets.size(), sets.data(), 0);
-  return result == 0 ? ERROR_SUCCESS : statusOfHivex(errno);
 }
 
 Status RegfEdit::commit(std::string& bytes) {
@@ -294,18 +201,11 @@ Status RegfEdit::commit(std::string& bytes) {
   return readAll(file.get(), bytes);
 }
 
-Status RegfEdit::putKeyRight(std::string& bytes, HiveNode key, const ValueList& list) const {
-  std::vector<RegfStoredName> names;
-  for (const ValueList::Value& each : list.values) {
-    if (!each.deleted) names.push_back(each.name);
-  }
-  return setRegfValueNames(bytes, regfOffset(key), names);
-}
-
 Status RegfEdit::putRight(std::string& bytes) const {
   for (const auto& [key, list] : values_) {
     if (!stands(key)) continue;
-    if (const Status status = putKeyRight(bytes, key, list)) return status;
+    if (const Status status = setRegfValueNames(bytes, regfOffset(key), list.names()))
+      return status;
   }
   std::map<HiveNode, std::set<RegfOffset>> newChildren;
   for (const auto& [key, parent] : added_) {
@@ -326,7 +226,7 @@ Status RegfEdit::putRight(std::string& bytes) const {
 Status RegfEdit::build() {
   for (const auto& [key, list] : values_) {
     if (!stands(key)) continue;
-    if (const Status status = handOver(key, list)) return status;
+    if (const Status status = list.handOver(hive_, key)) return status;
   }
   auto bytes = std::make_shared<std::string>();
   if (const Status status = commit(*bytes)) return status;

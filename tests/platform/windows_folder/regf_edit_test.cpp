@@ -190,7 +190,10 @@ TEST(RegfEdit, RefusesWhatTheFileCannotHold) {
   setValue(*edit, kept, "x", REG_BINARY, std::string(largest, 'x'));
   std::string after;
   EXPECT_EQ(written(*edit, after), ERROR_SUCCESS);
-  EXPECT_FALSE(opened.hive->hasRoomForChildren(0, 20000000));
+  EXPECT_TRUE(opened.hive->hasRoomForChildren(0, 2000));
+  EXPECT_TRUE(opened.hive->hasRoomForChildren(20000, 50));
+  EXPECT_FALSE(opened.hive->hasRoomForChildren(0, 20000));
+  EXPECT_FALSE(opened.hive->hasRoomForChildren(1, static_cast<std::size_t>(-1)));
 }
 
 }  // namespace

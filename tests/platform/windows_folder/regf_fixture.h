@@ -60,7 +60,7 @@ inline HiveNode addKey(HiveEdit& edit, HiveNode parent, std::string_view name) {
   return key;
 }
 
-inline void setValue(HiveEdit& edit, HiveNode key, std::string name, RegType type,
+inline void setValue(HiveEdit& edit, HiveNode key, const std::string& name, RegType type,
                      std::string data) {
   EXPECT_EQ(edit.setValue(key, {name, type, std::move(data)}), ERROR_SUCCESS) << name;
 }

@@ -212,7 +212,8 @@ TEST(RegfHive, NoDamageCrashesOrGoesRound) {
     std::string bytes = hives[i % 2];
     const std::size_t room = bytes.size() - kRegfHeaderSize;
     for (unsigned flips = 1 + random() % 4; flips > 0; --flips) {
-      bytes[kRegfHeaderSize + random() % room] ^= static_cast<char>(1U << random() % 8);
+      char& hit = bytes[kRegfHeaderSize + random() % room];
+      hit = static_cast<char>(hit ^ (1 << random() % 8));
       const std::size_t from = kRegfHeaderSize + random() % (room / 4) * 4;
       const std::size_t to = kRegfHeaderSize + random() % (room / 4) * 4;
       if (i % 3 == 0) write32(bytes, to, read32(bytes, from));
