@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
@@ -12,30 +11,11 @@
 #include <string_view>
 
 #include "platform/embedded/embedded_machine.h"
+#include "support/temporary_folder.h"
 
 namespace korvex::test {
 
 enum class Family { Nt, NineX };
-
-// A folder of its own under the temporary folder, removed with the object.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "korvex-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 // A machine made from a sample folder (data/machines/<id>) or from next to nothing:
 //   TestMachine machine{Family::Nt};           // Windows 2000 with an almost empty registry
