@@ -74,6 +74,7 @@ TEST(RegfEdit, WhatIsNotNamedStaysToTheByte) {
   }
   EXPECT_EQ(values[1].name.bytes, std::string_view("a\0b", 3));
   EXPECT_EQ(values[2].name.text(), "M\xC3\xBC");
+  EXPECT_EQ(values[2].type, REG_SZ);
   RegfCells(after).data(values[2], data);
   EXPECT_EQ(data, std::string_view("n\0e\0w\0", 6));  // no zero that was not given
   EXPECT_EQ(values[4].name.text(), "added");
