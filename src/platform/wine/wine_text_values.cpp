@@ -1,6 +1,7 @@
 // Value lines are replaced one by one; all others of the key's block stay as they are.
 #include "platform/wine/wine_text_values.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/common/text.h"
@@ -58,12 +59,22 @@ void WineKeyLines::set(const HiveValue& value) {
     appendWineData(value, line.size(), line);
     return;
   }
+  const auto readable = std::find_if(places->begin(), places->end(), [this](Place place) {
+    return at(place).isReadable && !at(place).isGone;
+  });
   for (const Place place : *places) at(place).isGone = true;
-  Line& line = at(places->front());
+  Line& line = at(readable == places->end() ? places->front() : *readable);
+  std::string text;
+  if (readable == places->end()) {
+    appendWineName(value.name, text);
+  } else {
+    text = line.text().substr(0, line.prefix);
+  }
+  line.prefix = text.size();
   line.isGone = false;
   line.isReadable = true;
-  line.replaced = line.bytes.substr(0, line.prefix);
-  appendWineData(value, line.prefix, line.replaced);
+  appendWineData(value, line.prefix, text);
+  line.replaced = std::move(text);
 }
 
 bool WineKeyLines::remove(std::string_view name) {
@@ -98,7 +109,7 @@ std::string WineKeyLines::textOf(const Block& block, bool withAdded) const {
       text += (next++)->second;
     }
     if (line.isGone) continue;
-    text += line.replaced.empty() ? line.bytes : std::string_view(line.replaced);
+    text += line.text();
   }
   while (next != added_.end()) text += (next++)->second;
   return text;

@@ -42,6 +42,8 @@ class WineKeyLines {
     bool isReadable = false;
     bool isGone = false;
     std::string order;  // of a value
+
+    std::string_view text() const { return replaced.empty() ? bytes : std::string_view(replaced); }
   };
   struct Block {
     std::uint32_t number = 0;
