@@ -177,8 +177,8 @@ TEST(WineText, ValuesAreWrittenAsWineWritesThem) {
        "\"d\"=dword:34333201"},
       {{"d", REG_DWORD, "123"}, "\"d\"=hex(4):31,32,33"},
       {{"t", 0xFFFF0012, "1"}, "\"t\"=hex(ffff0012):31"},
-      {{"long", REG_BINARY, std::string(25, '1')},
-       "\"long\"=hex:31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,\\\n"
+      {{"longer", REG_BINARY, std::string(25, '1')},
+       "\"longer\"=hex:31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,31,\\\n"
        "  31,31,31"},
   };
   for (const auto& [value, line] : cases) {
@@ -197,7 +197,7 @@ TEST(WineText, AChangeTouchesItsOwnLinesOnly) {
   const std::string before =
       "#arch=win32\n#new=option\n\n[A] 11\n#time=1dd7abfd6dfab20\n\"x\"=\"1\"\n\n[B\\\\k] 22 ;s\n"
       "#class=\"C\"\n ;c\n#time=5\n#other=1\n\"M\"=hex:01,\\\n  02\n\"b\" = \"x\" ;y\n\"c\"=\"z\"\n"
-      "?\n\n;end\n\n[C]\n\"m\"=\"1\"\n\"x\"=dword:1\n\"M\"=\"2\"";
+      "?\n\n;end\n\n[C] ;n\n\"m\"=\"1\"\n\"x\"=dword:1\n\"M\"=\"2\"";
   EXPECT_EQ(changed(before, [](HiveEdit&, HiveFile&) {}), before);
   const auto edited = [](HiveEdit& edit, HiveFile& hive) {
     const HiveNode key = find(hive, "B\\k");
@@ -211,14 +211,14 @@ TEST(WineText, AChangeTouchesItsOwnLinesOnly) {
   EXPECT_EQ(withTime(changed(before, edited)),
             "#arch=win32\n#new=option\n\n[A] 11\n#time=T\n\"x\"=\"1\"\n\n[B\\\\k] T ;s\n"
             "#class=\"C\"\n ;c\n#time=T\n#other=1\n\"b\" =dword:00000000\n\"c\"=\"z\"\n"
-            "\"_\"=hex(0):5f\n\"Z\"=hex(0):7a\n?\n\n;end\n\n[C] T\n#time=T\n\"x\"=dword:1\n");
+            "\"_\"=hex(0):5f\n\"Z\"=hex(0):7a\n?\n\n;end\n\n[C] T ;n\n#time=T\n\"x\"=dword:1\n");
   EXPECT_EQ(withTime(changed("[k] 1\n\"a\"=hex:\n\"C\"=hex:\n", setting("k", {"B", 3, ""}))),
             "[k] T\n#time=T\n\"a\"=hex:\n\"B\"=hex:\n\"C\"=hex:\n");
 }
 
 TEST(WineText, KeysComeAndGoWhereWineSortsThem) {
   const std::string before =
-      "[A\\\\b] 1\n\n[C\\\\d] 2\n\"x\"=\"1\"\n\n[c\\\\D\\\\e] 3\n\n[E] 4\n\n[C\\\\d] "
+      "[A\\\\b] 1\n\n[C\\\\d] 2\n\"x\"=\"1\"\n\n[c\\\\D\\\\e] 3\n\n[E] 4\n\n[E\\\\f] 4\n\n[C\\\\d] "
       "5\n\"y\"=\"2\"\n";
   const auto edited = [](HiveEdit& edit, HiveFile& hive) {
     const HiveNode top = addKey(edit, hive.root(), "D");
@@ -227,6 +227,7 @@ TEST(WineText, KeysComeAndGoWhereWineSortsThem) {
     EXPECT_EQ(edit.setValue(addKey(edit, hive.root(), "z"), {"v", 3, "1"}), ERROR_SUCCESS);
     EXPECT_EQ(edit.setValue(find(hive, "C"), {"v", 3, "1"}), ERROR_SUCCESS);
     EXPECT_EQ(edit.removeTree(find(hive, "C\\d")), ERROR_SUCCESS);
+    EXPECT_EQ(edit.removeTree(find(hive, "E\\f")), ERROR_SUCCESS);
     EXPECT_EQ(edit.removeTree(find(hive, "A\\b")), ERROR_SUCCESS);  // "A" stays
     EXPECT_EQ(edit.removeTree(addKey(edit, top, "gone")), ERROR_SUCCESS);
     HiveNode none = kNoNode;
@@ -234,10 +235,10 @@ TEST(WineText, KeysComeAndGoWhereWineSortsThem) {
     EXPECT_NE(edit.addKey(find(hive, "C\\d"), "x", none), ERROR_SUCCESS);
     EXPECT_NE(edit.removeTree(hive.root()), ERROR_SUCCESS);
   };
-  EXPECT_EQ(
-      withTime(changed(before, edited)),
-      "[A] T\n#time=T\n\n[C] T\n#time=T\n\"v\"=hex:31\n\n[D\\\\_] T\n#time=T\n"
-      "\n[D\\\\z \\[\\xe9\\]\\\\below] T\n#time=T\n\n[E] 4\n\n[z] T\n#time=T\n\"v\"=hex:31\n");
+  EXPECT_EQ(withTime(changed(before, edited)),
+            "[A] T\n#time=T\n\n[C] T\n#time=T\n\"v\"=hex:31\n\n[D\\\\_] T\n#time=T\n"
+            "\n[D\\\\z \\[\\xe9\\]\\\\below] T\n#time=T\n\n[E] T\n#time=T\n\n[z] "
+            "T\n#time=T\n\"v\"=hex:31\n");
 }
 
 // A line that ends in a comma and a backslash takes whatever comes behind it.
@@ -250,6 +251,11 @@ TEST(WineText, NothingIsAddedToAValueThatIsCutOff) {
     EXPECT_EQ(told(*again, "k"), "");
     EXPECT_NE(find(*again, "z"), kNoNode);
     EXPECT_EQ(toldOf(changed("[k] 1\n" + end, setting("k", {"b", 3, "1"})).substr(7)), "b=3:1\n");
+    const auto replaced = [&](HiveEdit& edit, HiveFile& hive) {
+      EXPECT_EQ(edit.removeTree(find(hive, "k")), ERROR_SUCCESS);
+      edited(edit, hive);
+    };
+    EXPECT_EQ(withTime(changed("[k] 1\n" + end, replaced)), "[z] T\n#time=T\n");
   }
 }
 
