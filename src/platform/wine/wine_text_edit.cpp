@@ -133,6 +133,7 @@ void WineTextEdit::sortAdded(Number parent) {
   std::merge(older.begin(), older.end(), added.begin(), added.end(), std::back_inserter(all),
              isBefore);
   std::vector<Number> order;
+  order.reserve(all.size());
   for (const Child& each : all) order.push_back(each.key);
   tree_->setChildren(parent, order);
 }
