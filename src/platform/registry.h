@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "platform/status.h"
@@ -96,7 +97,8 @@ class Registry {
 
   // nameLength: in, the buffer's size with room for the zero; out, the length without it. A buffer
   // that is too small gives 234; an index past the end 259. Subkeys come in alphabetical order
-  // (case folded) on NT and in creation order on 95, 98 and Me; values in creation order.
+  // (case folded) on NT and in creation order on 95, 98 and Me; values in the order in which the
+  // machine keeps them: that of their creation, but for a prefix of Wine's, which sorts them.
   virtual Status RegEnumKeyExA(HKEY key, std::uint32_t index, char* name,
                                std::uint32_t* nameLength) = 0;
   // type, data and dataSize may be null; with data == nullptr and dataSize given, the size is told.
@@ -112,6 +114,9 @@ class Registry {
   virtual void rollbackChange() {}
   // Returns when everything committed so far is on the disk.
   virtual Status flush() { return ERROR_SUCCESS; }
+  // Why the last flush has failed, for people: the file and what to do; "" where there is no more
+  // to say than its status does.
+  virtual std::string flushFailure() const { return {}; }
 };
 
 // Holds one bracket open; what was not committed is rolled back when the guard goes.

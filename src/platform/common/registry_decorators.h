@@ -37,6 +37,7 @@ class ForwardingRegistry : public Registry {
   Status commitChange() override;
   void rollbackChange() override;
   Status flush() override;
+  std::string flushFailure() const override { return inner_.flushFailure(); }
 
  protected:
   virtual Status admit() { return ERROR_SUCCESS; }

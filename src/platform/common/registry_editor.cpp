@@ -12,24 +12,6 @@
 namespace korvex::platform {
 namespace {
 
-// Words are set off by blanks; quotes keep blanks in a word.
-std::vector<std::string> wordsOf(std::string_view commandLine) {
-  std::vector<std::string> words;
-  bool quoted = false;
-  bool inWord = false;
-  for (const char c : commandLine) {
-    const bool blank = !quoted && (c == ' ' || c == '\t');
-    if (!blank && !inWord) words.emplace_back();
-    inWord = !blank;
-    if (c == '"') {
-      quoted = !quoted;
-    } else if (inWord) {
-      words.back() += c;
-    }
-  }
-  return words;
-}
-
 bool isRegistryEditor(std::string_view program) {
   const std::size_t folder = program.find_last_of("\\/");
   if (folder != std::string_view::npos) program.remove_prefix(folder + 1);
@@ -61,14 +43,31 @@ EditorCall readCall(const std::vector<std::string>& words) {
 
 }  // namespace
 
+std::vector<std::string> commandWords(std::string_view commandLine) {
+  std::vector<std::string> words;
+  bool quoted = false;
+  bool inWord = false;
+  for (const char c : commandLine) {
+    const bool blank = !quoted && (c == ' ' || c == '\t');
+    if (!blank && !inWord) words.emplace_back();
+    inWord = !blank;
+    if (c == '"') {
+      quoted = !quoted;
+    } else if (inWord) {
+      words.back() += c;
+    }
+  }
+  return words;
+}
+
 bool RegistryEditor::isMeant(std::string_view commandLine) {
-  const auto words = wordsOf(commandLine);
+  const auto words = commandWords(commandLine);
   return !words.empty() && isRegistryEditor(words.front());
 }
 
 Status RegistryEditor::run(std::string_view commandLine, int& exitCode, std::string& message) {
   exitCode = 1;
-  const auto words = wordsOf(commandLine);
+  const auto words = commandWords(commandLine);
   const EditorCall call = readCall(words);
   const std::size_t most = call.isExport ? 2 : 1;
   if (!call.unknown.empty() || call.names.empty() || call.names.size() > most) {

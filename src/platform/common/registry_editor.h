@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/common/drive_folders.h"
 #include "platform/common/machine_facts.h"
@@ -29,6 +30,9 @@ class RegistryEditor {
   Registry& registry_;
   DriveFolders& files_;
 };
+
+// The words of a command line: set off by blanks, which quotes keep in a word.
+std::vector<std::string> commandWords(std::string_view commandLine);
 
 // The command line of a program and its parameters, as ShellExecuteA is given them.
 std::string commandLineOf(std::string_view file, std::string_view parameters);

@@ -55,7 +55,7 @@ class HiveStore : public KeyStore {
   HiveStore(HiveStoreOptions options, std::shared_ptr<CountedLock> lock);
   ~HiveStore() override;
 
-  // Opens the files. On failure message says what to do.
+  // Opens the files. On failure message says what to do; else it is "" or a warning.
   Status open(std::string& message);
 
   Status find(std::int64_t parent, std::string_view name, std::int64_t& id) override;
@@ -81,8 +81,7 @@ class HiveStore : public KeyStore {
   Status flush() override;
   bool changedByOthers() override;
 
-  // Why the last flush has failed, for people.
-  const std::string& failureText() const { return failureText_; }
+  std::string flushFailure() const override { return failureText_; }
 
  private:
   HiveKey* at(std::int64_t id);
@@ -103,6 +102,8 @@ class HiveStore : public KeyStore {
   void settleLock();
 
   // hive_store_files.cpp
+  void finishInterrupted(std::string& warning);
+  Status checkWritable(const MountedHive& hive, std::string& message) const;
   Status openHive(MountedHive& hive, std::string& message);
   void mount(std::size_t index);
   bool filesMoved() const;

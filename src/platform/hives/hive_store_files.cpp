@@ -1,6 +1,7 @@
 // The files behind a HiveStore: opening them, reading them again, writing what has changed.
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <utility>
 
@@ -29,6 +30,9 @@ Status HiveStore::openHive(MountedHive& hive, std::string& message) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const FileStamp before = FileStamp::of(file);
     OpenedHive opened = options_.open(FileSet::current(options_.folder, file));
+    // A new version that just got its name is looked for once more.
+    const bool moved = opened.status == ERROR_FILE_NOT_FOUND && fs::exists(file);
+    if (opened.hive == nullptr && moved) continue;
     message = std::move(opened.message);
     if (opened.hive == nullptr) return opened.status;
     if (!(FileStamp::of(file) == before)) continue;  // replaced while it was read
@@ -70,7 +74,38 @@ void HiveStore::mount(std::size_t index) {
   root.stale = root.hasChildren = root.hasValues = false;
 }
 
+// What a kill has cut off is finished before anything is read, unless another Korvex is at it.
+void HiveStore::finishInterrupted(std::string& warning) {
+  if (lock_->acquire(Wait::No) != ERROR_SUCCESS) return;
+  const Status status = FileSet::finishInterrupted(options_.folder, warning);
+  if (status != ERROR_SUCCESS && warning.empty()) warning = describeStatus(status);
+  lock_->release();
+}
+
+// Told when a machine is opened to be changed, and not only when somebody presses Apply.
+Status HiveStore::checkWritable(const MountedHive& hive, std::string& message) const {
+  if (options_.readOnly) return ERROR_SUCCESS;
+  const fs::path& file = hive.mount.file;
+  const std::string reason = hive.file->whyReadOnly();
+  const auto mayWrite = [](const fs::path& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+  };
+  if (!reason.empty()) {
+    message = fmt::format("{}: {}", file.string(), reason);
+  } else if (!mayWrite(file) || !mayWrite(file.parent_path())) {
+    message = fmt::format(
+        "{}: the machine cannot be changed here. Give yourself the right to write to the file and "
+        "its folder, or open it for reading only.",
+        file.string());
+  } else {
+    return ERROR_SUCCESS;
+  }
+  return ERROR_WRITE_PROTECT;
+}
+
 Status HiveStore::open(std::string& message) {
+  std::string warning;
+  if (!options_.readOnly) finishInterrupted(warning);
   loaded_.resize(1);  // numbers begin with kMachineKey
   for (const char* const name : {"HKEY_LOCAL_MACHINE", "HKEY_USERS"}) {
     HiveKey& key = addLoaded(0, name);
@@ -82,13 +117,11 @@ Status HiveStore::open(std::string& message) {
     hive.mount = place;
     const Status status = openHive(hive, message);
     if (status != ERROR_SUCCESS) return status;
-    const std::string reason = options_.readOnly ? "" : hive.file->whyReadOnly();
-    if (!reason.empty()) {
-      message = fmt::format("{}: {}", place.file.string(), reason);
-      return ERROR_WRITE_PROTECT;
-    }
+    const Status writable = checkWritable(hive, message);
+    if (writable != ERROR_SUCCESS) return writable;
     mount(hives_.size() - 1);
   }
+  message = std::move(warning);
   return ERROR_SUCCESS;
 }
 
@@ -171,9 +204,8 @@ Status HiveStore::reload() {
     again.mount = hive.mount;
     status = openHive(again, failureText_);
     if (status != ERROR_SUCCESS) return status;
-    if (options_.readOnly || again.file->whyReadOnly().empty()) continue;
-    failureText_ = fmt::format("{}: {}", again.mount.file.string(), again.file->whyReadOnly());
-    return ERROR_WRITE_PROTECT;
+    status = checkWritable(again, failureText_);
+    if (status != ERROR_SUCCESS) return status;
   }
   hives_ = std::move(fresh);
   makeStale();
@@ -298,8 +330,8 @@ void HiveStore::finishEdits() {
 
 Status HiveStore::flush() {
   failureText_.clear();
-  if (!hasUnsaved()) return ERROR_SUCCESS;
-  if (inChange_) return ERROR_BUSY;
+  // What is inside a change is not committed; whoever committed before it flushes after it.
+  if (!hasUnsaved() || inChange_) return ERROR_SUCCESS;
   Status status = options_.mayChange ? options_.mayChange() : ERROR_SUCCESS;
   if (status == ERROR_SUCCESS && filesMoved()) status = reload();
   if (status == ERROR_SUCCESS) status = prepareEdits();

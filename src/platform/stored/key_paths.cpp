@@ -11,10 +11,15 @@ namespace {
 
 constexpr std::size_t kMostRemembered = 1024;
 constexpr std::string_view kControlSetAlias = "CurrentControlSet";
+constexpr std::string_view kFirstControlSet = "ControlSet001";
 constexpr std::uint32_t kMostControlSets = 999;
 constexpr std::string_view kKernelMachine = "\\Registry\\Machine";
 constexpr std::string_view kKernelUser = "\\Registry\\User";
 constexpr int kMostLinks = 8;
+
+bool isFirstControlSet(std::string_view name) {
+  return name.size() == kFirstControlSet.size() && namesMatch(name, kFirstControlSet);
+}
 
 // Takes the first part of a path off it.
 std::string_view takePart(std::string_view& path) {
@@ -90,12 +95,28 @@ Status KeyPaths::stepInOne(std::int64_t parent, std::string_view name, FoundKey&
     const Status status = currentControlSet(parent, target);
     if (status == ERROR_SUCCESS) {
       found.fixed = true;
-      return store_.find(parent, target, found.key);
+      const Status numbered = store_.find(parent, target, found.key);
+      if (numbered != ERROR_FILE_NOT_FOUND) return numbered;
+      // Wine tells a number and has the set under this very name.
+      return store_.find(parent, name, found.key);
     }
     if (status != ERROR_FILE_NOT_FOUND) return status;
   }
-  const Status status = store_.find(parent, name, found.key);
+  Status status = store_.find(parent, name, found.key);
+  if (status == ERROR_FILE_NOT_FOUND && isFirstControlSet(name)) {
+    status = onlyControlSet(parent, found);
+  }
   return status == ERROR_SUCCESS ? followLink(found) : status;
+}
+
+// A registry that has no numbered control sets, but one that is called the current one, is Wine's.
+Status KeyPaths::onlyControlSet(std::int64_t parent, FoundKey& found) {
+  std::int64_t system = 0;
+  const Status status = store_.find(kMachineKey, "SYSTEM", system);
+  if (status != ERROR_SUCCESS || system != parent) return ERROR_FILE_NOT_FOUND;
+  const Status there = store_.find(parent, kControlSetAlias, found.key);
+  found.fixed = there == ERROR_SUCCESS;
+  return there;
 }
 
 Status KeyPaths::step(const FoundKey& parent, std::string_view name, FoundKey& found) {

@@ -30,7 +30,8 @@ struct FoundKey {
 // HKEY_CLASSES_ROOT is HKLM\Software\Classes, with the user's classes over it where there are any:
 // a key that both have is opened as a pair, a new one is made in the machine's classes unless its
 // parent is the user's alone. On NT "CurrentControlSet" under HKLM\SYSTEM stands for the set that
-// Select\Current tells, where there is such a value. A symbolic link stands for its target. Neither
+// Select\Current tells, where there is such a value; where that set is a key of its own, as Wine
+// has it, ControlSet001 stands for it. A symbolic link stands for its target. Neither
 // of the two is enumerated.
 class KeyPaths {
  public:
@@ -63,6 +64,7 @@ class KeyPaths {
   Status step(const FoundKey& parent, std::string_view name, FoundKey& found);
   Status stepInOne(std::int64_t parent, std::string_view name, FoundKey& found);
   Status followLink(FoundKey& found);
+  Status onlyControlSet(std::int64_t parent, FoundKey& found);
   Status currentControlSet(std::int64_t parent, std::string& name);
 
   KeyStore& store_;
