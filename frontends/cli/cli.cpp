@@ -54,6 +54,8 @@ void addOptions(CLI::App& app, Context& context) {
   app.add_option("--machine", context.machineFolder, "Folder of the machine to work on")
       ->type_name("DIR")
       ->envname("KORVEX_MACHINE");
+  app.add_option("--user", context.user, "Whose settings, where a machine has several users")
+      ->type_name("NAME");
   app.add_flag("--json", context.json, "Print one JSON object instead of text");
   app.add_flag("-v,--verbose", context.verbose, "Also print the writes in Korvex's own area");
 }

@@ -81,7 +81,7 @@ _korvex() {{
     word=${{COMP_WORDS[i]}}
     if ((skip)); then skip=0; continue; fi
     case $word in
-      --machine) skip=1 ;;
+      --machine|--user) skip=1 ;;
       -*) ;;
       *)
         if [[ -z $path ]]; then path=$word

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "program/open_machine.h"
+#include "program/recent_machines.h"
 
 namespace korvex::cli {
 
@@ -22,8 +23,12 @@ Failure machineFailure(Status status, const std::string& message) {
 }
 
 std::unique_ptr<platform::Machine> Context::openMachine(platform::OpenMode mode) const {
-  platform::OpenedMachine opened = program::openMachine(machineFolder, mode);
-  if (opened.machine) return std::move(opened.machine);
+  platform::OpenedMachine opened = program::openMachine(machineFolder, mode, user);
+  if (opened.machine) {
+    if (!opened.message.empty()) note("Warning: " + opened.message);
+    if (!machineFolder.empty()) program::rememberMachine(machineFolder);
+    return std::move(opened.machine);
+  }
   // What is there and cannot be had now is another thing than nothing there.
   const bool there = opened.status == platform::ERROR_DISK_FULL ||
                      machineFailure(opened.status, "").code() == ExitCode::Busy;

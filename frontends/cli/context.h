@@ -29,6 +29,7 @@ class Context {
   bool json = false;
   bool verbose = false;
   std::string machineFolder;  // --machine or KORVEX_MACHINE; "" is the default machine
+  std::string user;           // --user: whose settings; "" is the only user or the last one
 
   // Throws Failure (NoMachine, Busy) with what to do.
   std::unique_ptr<platform::Machine> openMachine(platform::OpenMode mode) const;

@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/output.h"
 #include "program/open_machine.h"
+#include "program/recent_machines.h"
 
 namespace korvex::cli {
 namespace {
@@ -49,6 +50,19 @@ ExitCode create(Context& context, const CreateOptions& options) {
   return ExitCode::Done;
 }
 
+ExitCode listRecent(Context& context) {
+  const auto folders = program::recentMachines();
+  if (context.json) {
+    Json json = document();
+    json["machines"] = Json::array();
+    for (const auto& folder : folders) json["machines"].push_back(folder.string());
+    print(context.out, json);
+    return ExitCode::Done;
+  }
+  for (const auto& folder : folders) context.out << printable(folder.string()) << '\n';
+  return ExitCode::Done;
+}
+
 }  // namespace
 
 void addMachineCommands(CLI::App& app, Run& run) {
@@ -76,6 +90,10 @@ void addMachineCommands(CLI::App& app, Run& run) {
       return ExitCode::Done;
     };
   });
+
+  CLI::App* list = addCommand(*group, "list", "List the machines that were opened last",
+                              "  korvex machine list");
+  list->callback([&run] { run = listRecent; });
 }
 
 }  // namespace korvex::cli

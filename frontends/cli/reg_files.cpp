@@ -59,7 +59,9 @@ ExitCode importFile(Context& context, const FileOptions& options) {
                                            : importRegFile(machine->registry(), options.file, how);
   if (result.status != ERROR_SUCCESS) throw machineFailure(result.status, result.message);
   const Status flushed = machine->registry().flush();
-  if (flushed != ERROR_SUCCESS) throw registryFailure(flushed, "The import");
+  if (flushed != ERROR_SUCCESS) {
+    throw registryFailure(flushed, "The import", machine->registry().flushFailure());
+  }
   printImport(context, result);
   return result.refused == 0 ? ExitCode::Done : ExitCode::Differences;
 }

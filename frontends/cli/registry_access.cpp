@@ -76,7 +76,8 @@ Status deleteTree(Registry& registry, const TypedKey& key) {
   return ERROR_SUCCESS;
 }
 
-Failure registryFailure(Status status, const std::string& what) {
+Failure registryFailure(Status status, const std::string& what, const std::string& reason) {
+  if (!reason.empty()) return machineFailure(status, what + ": " + reason);
   if (status == ERROR_FILE_NOT_FOUND) {
     return {ExitCode::Failed, "not-found", what + " is not there."};
   }

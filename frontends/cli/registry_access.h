@@ -28,6 +28,7 @@ platform::Status deleteTree(platform::Registry& registry, const TypedKey& key);
 
 // "HKEY_CURRENT_USER\X: 2 (file not found)" as a Failure: a missing key or value is told as such.
 class Failure;
-Failure registryFailure(platform::Status status, const std::string& what);
+Failure registryFailure(platform::Status status, const std::string& what,
+                        const std::string& reason = {});
 
 }  // namespace korvex::cli

@@ -65,11 +65,12 @@ void ScriptProgram::finish(std::string_view form) {
 
 void ScriptProgram::commit() {
   Status status = change_.commit();
+  if (status == platform::ERROR_SUCCESS) status = machine_.registry().flush();
   // The files were whole at each step; from here on the registry stands for them.
   if (status == platform::ERROR_SUCCESS) fileChange_.commit();
-  if (status == platform::ERROR_SUCCESS) status = machine_.registry().flush();
   if (status != platform::ERROR_SUCCESS) {
-    throw registryFailure(status, "The changes could not be written, so nothing was changed");
+    throw registryFailure(status, "The changes could not be written, so nothing was changed",
+                          machine_.registry().flushFailure());
   }
 }
 

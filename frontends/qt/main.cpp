@@ -4,14 +4,17 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 
 #include "program/open_machine.h"
 #include "program/program.h"
+#include "program/recent_machines.h"
 #include "qt/application.h"
 #include "qt/form_view.h"
+#include "qt/machine_menu.h"
 #include "qt/qt_host.h"
 #include "qt/qt_prompts.h"
 #include "qt/style.h"
@@ -28,6 +31,7 @@ constexpr int kFailed = 5;
 
 struct Options {
   std::string machine;
+  std::string user;
   std::string look;
   std::string screenshot;
   std::string form;
@@ -35,6 +39,8 @@ struct Options {
 
 void describe(CLI::App& app, Options& options) {
   app.add_option("--machine", options.machine, "The machine's folder")->envname("KORVEX_MACHINE");
+  app.add_option("--user", options.user,
+                 "Whose settings of that machine; default: its only user, or the last one");
   app.add_option("--style", options.look,
                  "How windows look: \"windows\" is the classic look; default: the desktop's own");
   // For documentation: shows a window, the main one where none is named, saves a picture of it and
@@ -72,17 +78,28 @@ int tellRefusal(const platform::OpenedMachine& opened) {
   }
 }
 
-int runOn(platform::Machine& machine, const Options& options) {
+// next: the folder of the machine to go on with, where the user has chosen one.
+int runOn(platform::Machine& machine, const Options& options, std::string& next) {
   QtPrompts prompts;
   prompts.setFiles(machine.files());
   QtHost host;
   program::Program program(machine, prompts);
   bool saved = true;
-  if (!options.screenshot.empty()) {
+  if (options.screenshot.empty()) {
+    host.onShown = [&](FormView& view) {
+      if (view.parentWidget() != nullptr) return;
+      makeMachineMenu(view, [&view, &next](const std::string& folder) {
+        next = folder;
+        view.form().close();
+      });
+    };
+  } else {
     // A dialog is shown from the main window, as ever.
     host.onShown = [&](FormView& view) {
       QApplication::processEvents();
       const bool isMain = view.parentWidget() == nullptr;
+      if (isMain) makeMachineMenu(view, [](const std::string&) {});
+      QApplication::processEvents();
       if (isMain && !options.form.empty() && options.form != view.form().name()) {
         program.formBook().showModal(options.form);
       } else {
@@ -94,6 +111,29 @@ int runOn(platform::Machine& machine, const Options& options) {
   const int code = program.run(host);
   if (!saved) std::cerr << "korvex-gui: could not write " << options.screenshot << '\n';
   return saved ? code : kFailed;
+}
+
+// One machine after the other, as the user chooses them.
+int runAll(Options options) {
+  std::optional<std::string> last;
+  for (;;) {
+    platform::OpenedMachine opened =
+        program::openMachine(options.machine, platform::OpenMode::ReadWrite, options.user);
+    if (!opened.machine) {
+      const int code = tellRefusal(opened);
+      if (!last || *last == options.machine) return code;
+      options.machine = *last;  // back to the one that was open
+      continue;
+    }
+    if (!opened.message.empty()) std::cerr << "korvex-gui: " << opened.message << '\n';
+    if (!options.machine.empty()) program::rememberMachine(options.machine);
+    last = options.machine;
+    std::string next;
+    const int code = runOn(*opened.machine, options, next);
+    if (next.empty()) return code;
+    options.machine = next;
+    options.user.clear();
+  }
 }
 
 int run(int argc, char** argv) {
@@ -118,10 +158,7 @@ int run(int argc, char** argv) {
   int one = 1;
   Application application(one, argv);
   useLook(look);
-  platform::OpenedMachine opened =
-      program::openMachine(options.machine, platform::OpenMode::ReadWrite);
-  if (!opened.machine) return tellRefusal(opened);
-  return runOn(*opened.machine, options);
+  return runAll(options);
 }
 
 }  // namespace

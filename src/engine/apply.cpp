@@ -71,8 +71,9 @@ bool finishApply(foundation::Session& session, const std::vector<FailedRoutine>&
   if (!failures.empty()) sentences.insert(sentences.begin(), describeFailures(failures));
   const platform::Status flushed = session.registry().flush();
   if (flushed != platform::ERROR_SUCCESS) {
-    sentences.push_back(fmt::format("The changes could not be brought to the disk: {}.",
-                                    platform::describeStatus(flushed)));
+    const std::string reason = session.registry().flushFailure();
+    sentences.push_back("The changes could not be brought to the disk: " +
+                        (reason.empty() ? platform::describeStatus(flushed) + '.' : reason));
   }
   if (sentences.empty()) return true;
   session.prompts().messageBox(fmt::format("{}", fmt::join(sentences, foundation::kCrLf)),

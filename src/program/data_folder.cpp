@@ -14,6 +14,13 @@ fs::path fromEnvironment(const char* name) {
   return value == nullptr ? fs::path() : fs::path(value);
 }
 
+fs::path userFolder(const char* variable, const char* standard) {
+  fs::path given = fromEnvironment(variable);
+  if (given.is_absolute()) return given;  // the standard has a relative one ignored
+  const fs::path home = fromEnvironment("HOME");
+  return home.empty() ? fs::path() : home / ".local" / standard;
+}
+
 }  // namespace
 
 fs::path dataFolder() {
@@ -29,11 +36,8 @@ fs::path dataFolder() {
   return {};
 }
 
-fs::path userDataFolder() {
-  fs::path given = fromEnvironment("XDG_DATA_HOME");
-  if (given.is_absolute()) return given;  // the standard has a relative one ignored
-  const fs::path home = fromEnvironment("HOME");
-  return home.empty() ? fs::path() : home / ".local" / "share";
-}
+fs::path userDataFolder() { return userFolder("XDG_DATA_HOME", "share"); }
+
+fs::path userStateFolder() { return userFolder("XDG_STATE_HOME", "state"); }
 
 }  // namespace korvex::program

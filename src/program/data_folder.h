@@ -13,4 +13,7 @@ std::filesystem::path dataFolder();
 // either.
 std::filesystem::path userDataFolder();
 
+// Likewise $XDG_STATE_HOME, or $HOME/.local/state.
+std::filesystem::path userStateFolder();
+
 }  // namespace korvex::program

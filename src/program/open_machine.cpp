@@ -5,7 +5,11 @@
 
 #include <algorithm>
 
+#include "platform/common/text.h"
 #include "platform/embedded/embedded_machine.h"
+#include "platform/windows_folder/installation.h"
+#include "platform/windows_folder/windows_machine.h"
+#include "platform/wine/wine_machine.h"
 #include "program/data_folder.h"
 
 namespace korvex::program {
@@ -22,7 +26,33 @@ OpenedMachine refused(Status status, std::string message) {
   return {nullptr, status, std::move(message)};
 }
 
-OpenedMachine openFolder(const fs::path& folder, OpenMode mode) {
+OpenedMachine openOwn(const fs::path& folder, OpenMode mode, const std::string& user) {
+  OpenedMachine opened = platform::openEmbeddedMachine(folder, mode);
+  if (!opened.machine || user.empty()) return opened;
+  const std::string own = opened.machine->describe().user;
+  if (platform::sameName(own, user)) return opened;
+  return refused(platform::ERROR_FILE_NOT_FOUND,
+                 fmt::format("{}: there is no user {} here; the machine is {}'s.", folder.string(),
+                             user, own));
+}
+
+bool holdsWindows(const fs::path& folder) {
+  return platform::kindOfWindowsFolder(folder) != platform::FolderKind::Unknown;
+}
+
+struct KindOfMachine {
+  bool (*recognises)(const fs::path& folder);
+  OpenedMachine (*open)(const fs::path& folder, OpenMode mode, const std::string& user);
+};
+
+// The first that recognises a folder opens it.
+constexpr KindOfMachine kKinds[] = {
+    {platform::looksLikeEmbeddedMachine, openOwn},
+    {platform::looksLikeWinePrefix, platform::openWineMachine},
+    {holdsWindows, platform::openWindowsMachine},
+};
+
+OpenedMachine openFolder(const fs::path& folder, OpenMode mode, const std::string& user) {
   std::error_code error;
   if (!fs::is_directory(folder, error)) {
     return refused(platform::ERROR_PATH_NOT_FOUND,
@@ -30,14 +60,15 @@ OpenedMachine openFolder(const fs::path& folder, OpenMode mode) {
                                "'korvex machine create --windows 2000 DIR'.",
                                folder.string()));
   }
-  if (!platform::looksLikeEmbeddedMachine(folder)) {
-    return refused(platform::ERROR_FILE_NOT_FOUND,
-                   fmt::format("{} is no machine: it holds no machine.json. Name the folder of a "
-                               "machine, or make one with 'korvex machine create --windows 2000 "
-                               "DIR'.",
-                               folder.string()));
+  for (const KindOfMachine& kind : kKinds) {
+    if (kind.recognises(folder)) return kind.open(folder, mode, user);
   }
-  return platform::openEmbeddedMachine(folder, mode);
+  return refused(platform::ERROR_FILE_NOT_FOUND,
+                 fmt::format("{} is no machine: it holds no machine.json, no Wine prefix "
+                             "(system.reg and user.reg) and no Windows folder. Name the folder of "
+                             "a machine, a prefix or the drive of an installed Windows, or make a "
+                             "machine with 'korvex machine create --windows 2000 DIR'.",
+                             folder.string()));
 }
 
 }  // namespace
@@ -47,8 +78,8 @@ fs::path defaultMachineFolder() {
   return data.empty() ? data : data / "korvex" / "machines" / "default";
 }
 
-OpenedMachine openMachine(const fs::path& folder, OpenMode mode) {
-  if (!folder.empty()) return openFolder(folder, mode);
+OpenedMachine openMachine(const fs::path& folder, OpenMode mode, const std::string& user) {
+  if (!folder.empty()) return openFolder(folder, mode, user);
   const fs::path standard = defaultMachineFolder();
   if (standard.empty()) {
     return refused(platform::ERROR_PATH_NOT_FOUND,
@@ -63,7 +94,7 @@ OpenedMachine openMachine(const fs::path& folder, OpenMode mode) {
       return refused(status, message);
     }
   }
-  return openFolder(standard, mode);
+  return openFolder(standard, mode, user);
 }
 
 const std::vector<std::string>& windowsNames() {
