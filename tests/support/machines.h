@@ -17,11 +17,18 @@ namespace korvex::test {
 
 enum class Family { Nt, NineX };
 
+// A machine of whatever kind.
+class SomeMachine {
+ public:
+  virtual ~SomeMachine() = default;
+  virtual platform::Machine& get() = 0;
+};
+
 // A machine made from a sample folder (data/machines/<id>) or from next to nothing:
 //   TestMachine machine{Family::Nt};           // Windows 2000 with an almost empty registry
 //   TestMachine machine{"windows-98"};         // a whole sample
 //   machine->registry().RegOpenKeyExA(...)
-class TestMachine {
+class TestMachine : public SomeMachine {
  public:
   explicit TestMachine(Family family) { create(makeBareSample(family), family == Family::Nt); }
   explicit TestMachine(const std::string& sampleId) {
@@ -30,7 +37,7 @@ class TestMachine {
 
   platform::Machine& operator*() { return *machine_; }
   platform::Machine* operator->() { return machine_.get(); }
-  platform::Machine& get() { return *machine_; }
+  platform::Machine& get() override { return *machine_; }
   platform::Registry& registry() { return machine_->registry(); }
   // The machine's folder, and where a file of its C: drive lies on the host.
   std::filesystem::path folder() const { return temporary_.path() / "machine"; }

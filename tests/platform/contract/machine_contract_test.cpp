@@ -58,6 +58,11 @@ TEST_P(ContractMachineFacts, ARestartNeedsItsPrivilegeOnNt) {
   Restart& restart = machine.restart();
   std::uint32_t token = 0;
   std::uint64_t privilege = 0;
+  EXPECT_EQ(GetParam().runs, restart.systemRuns());
+  if (!GetParam().runs) {
+    EXPECT_EQ(ERROR_NOT_READY, restart.ExitWindowsEx(EWX_REBOOT, 0));
+    return;
+  }
   EXPECT_EQ(restart.ExitWindowsEx(EWX_REBOOT, 0), nt() ? ERROR_PRIVILEGE_NOT_HELD : ERROR_SUCCESS);
   const Status expected = nt() ? ERROR_SUCCESS : ERROR_CALL_NOT_IMPLEMENTED;
   EXPECT_EQ(restart.OpenProcessToken(kTokenAdjustPrivilegesAndQuery, token), expected);

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "support/machines.h"
+#include "support/real_machines.h"
 
 namespace korvex::test {
 
@@ -34,18 +35,50 @@ class EmbeddedContractMachine : public ContractMachine {
   TestMachine machine_;
 };
 
+class RealContractMachine : public ContractMachine {
+ public:
+  explicit RealContractMachine(RealKind kind) : machine_(kind, Family::Nt) {}
+  platform::Machine& machine() override { return machine_.get(); }
+  void reopen(platform::OpenMode mode) override {
+    // What is committed reaches the disk with a flush at the latest.
+    machine_.registry().flush();
+    machine_.reopen(mode);
+  }
+  std::unique_ptr<platform::Machine> openAnother() override {
+    machine_.registry().flush();
+    return machine_.open(platform::OpenMode::ReadWrite);
+  }
+
+ private:
+  RealMachine machine_;
+};
+
 struct MachineKind {
   std::string name;
   Family family = Family::Nt;
   std::function<std::unique_ptr<ContractMachine>()> make;
+  std::string configKey;                                      // what HKEY_CURRENT_CONFIG stands for
+  platform::Status megabyteOfText = platform::ERROR_SUCCESS;  // what writing that much gives
+  bool runs = true;                                           // its Windows can be restarted
 };
+inline void PrintTo(const MachineKind& kind, std::ostream* out) { *out << kind.name; }
 
 inline auto machineKinds() {
   const auto embedded = [](Family family) {
     return [family] { return std::make_unique<EmbeddedContractMachine>(family); };
   };
-  return testing::Values(MachineKind{"EmbeddedNt", Family::Nt, embedded(Family::Nt)},
-                         MachineKind{"EmbeddedNineX", Family::NineX, embedded(Family::NineX)});
+  const auto real = [](RealKind kind) {
+    return [kind] { return std::make_unique<RealContractMachine>(kind); };
+  };
+  const std::string profile = "SYSTEM\\ControlSet001\\Hardware Profiles\\";
+  return testing::Values(
+      MachineKind{"EmbeddedNt", Family::Nt, embedded(Family::Nt), profile + "Current"},
+      MachineKind{"EmbeddedNineX", Family::NineX, embedded(Family::NineX), "Config\\0001",
+                  platform::ERROR_INVALID_PARAMETER},
+      MachineKind{"WinePrefix", Family::Nt, real(RealKind::WinePrefix), profile + "Current",
+                  platform::ERROR_SUCCESS, false},
+      MachineKind{"WindowsFolder", Family::Nt, real(RealKind::WindowsFolder), profile + "0001",
+                  platform::ERROR_NO_SYSTEM_RESOURCES, false});
 }
 
 inline std::string machineKindName(const testing::TestParamInfo<MachineKind>& info) {

@@ -93,12 +93,14 @@ TEST_P(ContractChange, OtherMachineObjectsSeeItWhenItIsCommitted) {
     EXPECT_EQ(registry.RegDeleteKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Change\\Old"), 0);
     EXPECT_EQ(theirs.dump(HKEY_LOCAL_MACHINE, kPlace), before);
     EXPECT_EQ(change.commit(), ERROR_SUCCESS);
+    EXPECT_EQ(registry.flush(), ERROR_SUCCESS);  // at the latest then
   }
   EXPECT_EQ(theirs.subKeys(HKEY_LOCAL_MACHINE, kPlace), Names{"New"});
   EXPECT_EQ(theirs.get(HKEY_LOCAL_MACHINE, "SOFTWARE\\Change\\New", "v"), "new");
   EXPECT_EQ(other->registry().RegQueryValueExA(old.get(), "kept", nullptr, nullptr, nullptr),
             ERROR_KEY_DELETED);
   EXPECT_EQ(theirs.set(HKEY_LOCAL_MACHINE, "SOFTWARE\\Change\\New", "v", "theirs"), 0);
+  EXPECT_EQ(other->registry().flush(), ERROR_SUCCESS);
   EXPECT_EQ(look.get(HKEY_LOCAL_MACHINE, "SOFTWARE\\Change\\New", "v"), "theirs");
 }
 
