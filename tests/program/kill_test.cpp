@@ -12,6 +12,7 @@
 #include "program/program.h"
 #include "support/child_process.h"
 #include "support/machines.h"
+#include "support/real_machines.h"
 #include "support/scripted_prompts.h"
 
 namespace korvex::program {
@@ -62,8 +63,8 @@ class Bell {
 
 // Kills the work a random while after it has begun, round after round; after each kill the machine
 // is opened again and judged.
-template <typename Work, typename Judge>
-void killAgainAndAgain(test::TestMachine& machine, int rounds, int longestMicroseconds, Work work,
+template <typename AnyMachine, typename Work, typename Judge>
+void killAgainAndAgain(AnyMachine& machine, int rounds, int longestMicroseconds, Work work,
                        Judge judge) {
   std::mt19937 random(20001125);
   std::uniform_int_distribution<useconds_t> wait(0, longestMicroseconds);
@@ -125,6 +126,61 @@ TEST(Kill, DuringApplyLeavesEveryRoutineWhole) {
   EXPECT_GT(ticked, 0);
   EXPECT_GT(cleared, 0);
 }
+
+void put(platform::Registry& registry, platform::HKEY root, std::uint32_t number) {
+  platform::HKEY key = 0;
+  std::uint32_t disposition = 0;
+  ASSERT_EQ(0, registry.RegCreateKeyExA(root, "Software\\Killed", platform::KEY_ALL_ACCESS, key,
+                                        disposition));
+  ASSERT_EQ(0, registry.RegSetValueExA(key, "n", platform::REG_DWORD, &number, sizeof number));
+  registry.RegCloseKey(key);
+}
+
+std::uint32_t numberIn(platform::Registry& registry, platform::HKEY root) {
+  const platform::OpenKey key(registry, root, "Software\\Killed", platform::KEY_READ);
+  std::uint32_t number = 0;
+  std::uint32_t size = sizeof number;
+  platform::RegType type = 0;
+  EXPECT_EQ(0, registry.RegQueryValueExA(key.get(), "n", &type, &number, &size));
+  return number;
+}
+
+class KillReal : public testing::TestWithParam<test::RealKind> {};
+
+// Machine and user lie in two files there.
+TEST_P(KillReal, BetweenTwoFilesLeavesBothOldOrBothNew) {
+  test::RealMachine machine(GetParam(), test::Family::Nt);
+  const auto write = [](platform::Machine& target, std::uint32_t number) {
+    put(target.registry(), platform::HKEY_LOCAL_MACHINE, number);
+    put(target.registry(), platform::HKEY_CURRENT_USER, number);
+    EXPECT_EQ(0, target.registry().flush());
+  };
+  write(machine.get(), 0);
+  std::uint32_t last = 0;
+  int moved = 0;
+  killAgainAndAgain(
+      machine, 100, 12'000,
+      [&](int, const Bell& bell) {
+        const auto opened = machine.open(platform::OpenMode::ReadWrite);
+        bell.ring();
+        for (std::uint32_t number = last + 1;; ++number) write(*opened, number);
+      },
+      [&](platform::Registry& registry, int round) {
+        const std::uint32_t now = numberIn(registry, platform::HKEY_LOCAL_MACHINE);
+        EXPECT_EQ(now, numberIn(registry, platform::HKEY_CURRENT_USER)) << "round " << round;
+        EXPECT_GE(now, last) << "what was on the disk is gone";
+        moved += now > last ? 1 : 0;
+        last = now;
+      });
+  EXPECT_GT(moved, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, KillReal,
+                         testing::Values(test::RealKind::WinePrefix, test::RealKind::WindowsFolder),
+                         [](const auto& kind) {
+                           return kind.param == test::RealKind::WinePrefix ? "WinePrefix"
+                                                                           : "WindowsFolder";
+                         });
 
 std::string generation(int number) {
   std::string text = "REGEDIT4\r\n\r\n";

@@ -10,9 +10,9 @@
 #include <cstring>
 #include <fstream>
 
+#include "platform/common/host_lookup.h"
 #include "platform/common/text.h"
 #include "platform/windows_folder/hive_lookup.h"
-#include "platform/common/host_lookup.h"
 #include "platform/windows_folder/regf_hive.h"
 
 namespace korvex::platform {
