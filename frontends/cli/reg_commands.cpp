@@ -98,7 +98,7 @@ void changeRegistry(Registry& registry, const std::string& what, const Write& wr
   if (status == ERROR_SUCCESS) status = write();
   if (status == ERROR_SUCCESS) status = change.commit();
   if (status == ERROR_SUCCESS) status = registry.flush();
-  if (status != ERROR_SUCCESS) throw registryFailure(status, what, registry.flushFailure());
+  if (status != ERROR_SUCCESS) throw registryFailure(status, what, registry.lastRefusal());
 }
 
 Json optionalJson(std::string_view name, const std::optional<Value>& value) {

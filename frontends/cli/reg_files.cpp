@@ -60,7 +60,7 @@ ExitCode importFile(Context& context, const FileOptions& options) {
   if (result.status != ERROR_SUCCESS) throw machineFailure(result.status, result.message);
   const Status flushed = machine->registry().flush();
   if (flushed != ERROR_SUCCESS) {
-    throw registryFailure(flushed, "The import", machine->registry().flushFailure());
+    throw registryFailure(flushed, "The import", machine->registry().lastRefusal());
   }
   printImport(context, result);
   return result.refused == 0 ? ExitCode::Done : ExitCode::Differences;

@@ -70,7 +70,7 @@ void ScriptProgram::commit() {
   if (status == platform::ERROR_SUCCESS) fileChange_.commit();
   if (status != platform::ERROR_SUCCESS) {
     throw registryFailure(status, "The changes could not be written, so nothing was changed",
-                          machine_.registry().flushFailure());
+                          machine_.registry().lastRefusal());
   }
 }
 

@@ -71,7 +71,7 @@ bool finishApply(foundation::Session& session, const std::vector<FailedRoutine>&
   if (!failures.empty()) sentences.insert(sentences.begin(), describeFailures(failures));
   const platform::Status flushed = session.registry().flush();
   if (flushed != platform::ERROR_SUCCESS) {
-    const std::string reason = session.registry().flushFailure();
+    const std::string reason = session.registry().lastRefusal();
     sentences.push_back("The changes could not be brought to the disk: " +
                         (reason.empty() ? platform::describeStatus(flushed) + '.' : reason));
   }

@@ -114,9 +114,9 @@ class Registry {
   virtual void rollbackChange() {}
   // Returns when everything committed so far is on the disk.
   virtual Status flush() { return ERROR_SUCCESS; }
-  // Why the last flush has failed, for people: the file and what to do; "" where there is no more
-  // to say than its status does.
-  virtual std::string flushFailure() const { return {}; }
+  // Why the last change could not begin, or the last flush has failed, for people: the file or who
+  // holds it, and what to do; "" where there is no more to say than the status does.
+  virtual std::string lastRefusal() const { return {}; }
 };
 
 // Holds one bracket open; what was not committed is rolled back when the guard goes.

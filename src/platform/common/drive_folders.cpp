@@ -26,16 +26,6 @@ Status flushFolder(const FileDescriptor& folder) {
   return ::fsync(folder.get()) == 0 || errno == EINVAL ? ERROR_SUCCESS : statusOfErrno(errno);
 }
 
-Status writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return statusOfErrno(errno);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return ERROR_SUCCESS;
-}
-
 Status pour(int from, WholeFileWriter& to) {
   std::string block(kBlockSize, '\0');
   for (;;) {

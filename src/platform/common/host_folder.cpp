@@ -156,6 +156,16 @@ Status openRegularFile(int folder, const std::string& name, FileDescriptor& resu
   return S_ISREG(entry.status.st_mode) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
+Status writeAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return statusOfErrno(written < 0 ? errno : ENOSPC);
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return ERROR_SUCCESS;
+}
+
 Status readAll(int file, std::string& bytes) {
   bytes.clear();
   struct stat status {};

@@ -42,5 +42,7 @@ Status openSubFolder(int folder, const std::string& name, FileDescriptor& result
 Status openRegularFile(int folder, const std::string& name, FileDescriptor& result);
 // From the start to the end; 50 for a file too large to be held in memory.
 Status readAll(int file, std::string& bytes);
+// From where the file stands. 112 where there is no more room.
+Status writeAll(int file, std::string_view bytes);
 
 }  // namespace korvex::platform

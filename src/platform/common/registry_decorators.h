@@ -37,7 +37,7 @@ class ForwardingRegistry : public Registry {
   Status commitChange() override;
   void rollbackChange() override;
   Status flush() override;
-  std::string flushFailure() const override { return inner_.flushFailure(); }
+  std::string lastRefusal() const override { return inner_.lastRefusal(); }
 
  protected:
   virtual Status admit() { return ERROR_SUCCESS; }

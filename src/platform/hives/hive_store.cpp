@@ -1,6 +1,8 @@
 // Keys of registry files: looking them up, changing them in memory, taking changes back.
 #include "platform/hives/hive_store.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -298,17 +300,32 @@ Status HiveStore::aboutToChange(StoredKey& key) {
   return ERROR_SUCCESS;
 }
 
-Status HiveStore::begin() {
-  if (!locked_) {
-    const Status taken = lock_->acquire(Wait::Yes);
-    if (taken != ERROR_SUCCESS) return taken;
-    locked_ = true;
-  }
-  Status status = options_.mayChange ? options_.mayChange() : ERROR_SUCCESS;
-  if (status == ERROR_SUCCESS) {
-    status = FileSet::finishInterrupted(options_.folder, failureText_);
-  }
+Status HiveStore::takeLock() {
+  if (locked_) return ERROR_SUCCESS;
+  const Status taken = lock_->acquire(Wait::Yes);
+  locked_ = taken == ERROR_SUCCESS;
+  if (taken != ERROR_BUSY) return taken;
+  const std::string holder = lock_->holder();
+  failureText_ = fmt::format("Korvex is open on this machine ({}){}. Close it and try again.",
+                             options_.folder.string(), holder.empty() ? "" : ", by " + holder);
+  return taken;
+}
+
+// What a kill has cut off is finished first; what there is to say of it was said when the machine
+// was opened.
+Status HiveStore::settleFiles() {
+  std::string told;
+  Status status = FileSet::finishInterrupted(options_.folder, told);
+  if (status != ERROR_SUCCESS) failureText_ = told;
   if (status == ERROR_SUCCESS && filesMoved()) status = reload();
+  return status;
+}
+
+Status HiveStore::begin() {
+  failureText_.clear();
+  Status status = takeLock();
+  if (status == ERROR_SUCCESS && options_.mayChange) status = options_.mayChange(failureText_);
+  if (status == ERROR_SUCCESS) status = settleFiles();
   if (status != ERROR_SUCCESS) {
     settleLock();
     return status;

@@ -40,9 +40,9 @@ struct HiveStoreOptions {
   bool readOnly = false;
   // The file as it was before Korvex first changed it is kept beside it ("SOFTWARE.korvex-before").
   bool keepBefore = false;
-  // Before a change begins, and before files get their names. What the second returns in hold is
-  // held until they have them.
-  std::function<Status()> mayChange;
+  // Before a change begins, with the reason for people where it may not, and before files get their
+  // names. What the second returns in hold is held until they have them.
+  std::function<Status(std::string& reason)> mayChange;
   std::function<Status(FileDescriptor& hold)> holdOthersOff;
 };
 
@@ -81,7 +81,7 @@ class HiveStore : public KeyStore {
   Status flush() override;
   bool changedByOthers() override;
 
-  std::string flushFailure() const override { return failureText_; }
+  std::string lastRefusal() const override { return failureText_; }
 
  private:
   HiveKey* at(std::int64_t id);
@@ -99,7 +99,9 @@ class HiveStore : public KeyStore {
   void undoCreate(HiveKey& key);
   void undoRemove(HiveKey& key, const HiveUndo& entry);
   bool hasUnsaved() const { return !touched_.empty() || !removed_.empty(); }
+  Status takeLock();
   void settleLock();
+  Status settleFiles();
 
   // hive_store_files.cpp
   void finishInterrupted(std::string& warning);

@@ -332,7 +332,7 @@ Status HiveStore::flush() {
   failureText_.clear();
   // What is inside a change is not committed; whoever committed before it flushes after it.
   if (!hasUnsaved() || inChange_) return ERROR_SUCCESS;
-  Status status = options_.mayChange ? options_.mayChange() : ERROR_SUCCESS;
+  Status status = options_.mayChange ? options_.mayChange(failureText_) : ERROR_SUCCESS;
   if (status == ERROR_SUCCESS && filesMoved()) status = reload();
   if (status == ERROR_SUCCESS) status = prepareEdits();
   if (status == ERROR_SUCCESS) status = writeEdits();

@@ -66,7 +66,7 @@ class KeyStore {
   virtual void rollback() = 0;
   // Returns when everything committed is on the disk.
   virtual Status flush() = 0;
-  virtual std::string flushFailure() const { return {}; }
+  virtual std::string lastRefusal() const { return {}; }
   // True once after somebody else has changed what is stored, which is noticed outside of changes
   // and by begin(); what was remembered of paths is then void.
   virtual bool changedByOthers() = 0;

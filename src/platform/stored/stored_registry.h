@@ -54,7 +54,7 @@ class StoredRegistry : public Registry {
   Status commitChange() override;
   void rollbackChange() override;
   Status flush() override { return store_.flush(); }
-  std::string flushFailure() const override { return store_.flushFailure(); }
+  std::string lastRefusal() const override { return store_.lastRefusal(); }
 
  private:
   template <typename Operation>

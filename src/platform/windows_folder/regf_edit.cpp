@@ -36,16 +36,6 @@ std::string pathOf(const FileDescriptor& file) {
   return "/proc/self/fd/" + std::to_string(file.get());
 }
 
-Status writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return statusOfErrno(written < 0 ? errno : ENOSPC);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return ERROR_SUCCESS;
-}
-
 FileDescriptor memoryFile() { return FileDescriptor(::memfd_create("korvex-hive", MFD_CLOEXEC)); }
 
 // Tenths of a microsecond since 1601.

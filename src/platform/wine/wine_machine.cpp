@@ -122,7 +122,11 @@ HiveMachineOptions optionsFor(const fs::path& folder, OpenMode mode, const std::
   }
   options.store.open = openWineText;
   options.store.readOnly = mode == OpenMode::Read;
-  options.store.mayChange = [server] { return server->process() ? ERROR_BUSY : ERROR_SUCCESS; };
+  options.store.mayChange = [server, folder](std::string& reason) {
+    const auto running = server->process();
+    if (running) reason = whoRuns(folder, *running);
+    return running ? ERROR_BUSY : ERROR_SUCCESS;
+  };
   options.store.holdOthersOff = [server](FileDescriptor& hold) { return server->keepAway(hold); };
   options.places.userKey = sid;
   options.places.configKey = "System\\CurrentControlSet\\Hardware Profiles\\Current";

@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/common/host_folder.h"
 #include "platform/common/text.h"
 #include "platform/common/whole_file.h"
 #include "platform/wine/wine_text_stamp.h"
@@ -22,16 +23,6 @@ namespace korvex::platform {
 namespace {
 
 constexpr std::size_t kWrittenAtOnce = 1 << 20;
-
-Status writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return statusOfErrno(written < 0 ? errno : ENOSPC);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return ERROR_SUCCESS;
-}
 
 class WineTextEdit : public HiveEdit {
  public:

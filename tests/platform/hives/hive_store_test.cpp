@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <sstream>
 
@@ -104,6 +105,8 @@ TEST_F(HiveStoreTest, AMachineThatIsClosedWithoutAFlushLeavesItsFilesAndItsLock)
     std::uint32_t disposition = 0;
     EXPECT_EQ(ERROR_BUSY, second.registry.RegCreateKeyExA(HKEY_CURRENT_USER, "Desk\\New",
                                                           KEY_ALL_ACCESS, key, disposition));
+    EXPECT_NE(std::string::npos, second.registry.lastRefusal().find(std::to_string(getpid())))
+        << second.registry.lastRefusal();
   }
   EXPECT_EQ(before, contentOf(software));
   Open after(options());
