@@ -112,7 +112,9 @@ Status HiveStore::readChildren(HiveKey& parent) {
   }
   parent.added = 0;
   for (const std::int64_t id : own) {
-    const HiveKey& key = *at(id);
+    HiveKey& key = *at(id);
+    // It was in the file once, and is there no more.
+    if (key.stale) key.gone = true;
     if (key.gone || key.node != kNoNode) continue;
     parent.children.push_back(id);
     ++parent.added;

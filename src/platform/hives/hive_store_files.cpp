@@ -268,8 +268,12 @@ Status HiveStore::prepareEdits() {
   for (auto next = touched_.begin(); status == ERROR_SUCCESS && next != touched_.end();) {
     const std::int64_t id = *next++;
     HiveKey* key = nullptr;
+    HiveKey* parent = nullptr;
     status = fresh(id, key);
+    if (status == ERROR_SUCCESS && !key->isMount) status = fresh(key->parent, parent);
     if (status == ERROR_KEY_DELETED) {
+      // Somebody else has removed it, or what it stands below.
+      at(id)->gone = true;
       touched_.erase(id);
       status = ERROR_SUCCESS;
     } else if (status == ERROR_SUCCESS) {

@@ -149,6 +149,24 @@ TEST_F(HiveStoreTest, WhatOthersWroteIsReadAgainAndWhatWaitsGoesOnTop) {
             all);
 }
 
+TEST_F(HiveStoreTest, WhatOthersRemovedTakesWhatWaitedInItWithIt) {
+  Open machine(options());
+  machine.put("HKLM\\SOFTWARE\\Made\\Here", "A", "1");
+  ASSERT_EQ(0, machine.registry.flush());
+  machine.put("HKLM\\SOFTWARE\\Made\\Here", "B", "2");
+  machine.put("HKLM\\SOFTWARE\\Vendor\\Deep\\New", "C", "3");
+  machine.put("HKCU\\Desk", "Wall", "red");
+  write(software, "Vendor\n");
+  EXPECT_FALSE(machine.view.hasKey("HKLM\\SOFTWARE\\Made\\Here"));
+  EXPECT_FALSE(machine.view.hasKey("HKLM\\SOFTWARE\\Made"));
+  EXPECT_EQ(0, machine.registry.flush());
+  EXPECT_EQ("Vendor\n", contentOf(software));
+  EXPECT_EQ("Desk\nDesk=Wall=red\n", contentOf(user));
+  machine.put("HKLM\\SOFTWARE\\Made", "A", "again");
+  EXPECT_EQ(0, machine.registry.flush());
+  EXPECT_EQ("Vendor\nMade\nMade=A=again\n", contentOf(software));
+}
+
 TEST_F(HiveStoreTest, AFlushThatFailsChangesNothingAndCanBeTriedAgain) {
   HiveStoreOptions broken = options();
   bool refuse = true;
