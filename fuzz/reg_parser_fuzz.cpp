@@ -7,8 +7,8 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/common/reg_parser.h"
-#include "platform/common/reg_writer.h"
+#include "platform/text/reg_parser.h"
+#include "platform/text/reg_writer.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 
 #include "platform/common/file_descriptor.h"
 #include "platform/common/host_folder.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "platform/wine/wine_text.h"
 
 namespace {

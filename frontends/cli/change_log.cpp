@@ -7,7 +7,7 @@
 
 #include "cli/key_path.h"
 #include "engine/catalogue.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

@@ -9,7 +9,7 @@
 #include "cli/failure.h"
 #include "cli/tweak_names.h"
 #include "cli/value_text.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

@@ -9,7 +9,7 @@
 #include "cli/script_program.h"
 #include "cli/transcript.h"
 #include "cli/tweak_names.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

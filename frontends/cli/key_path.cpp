@@ -3,7 +3,7 @@
 
 #include "cli/failure.h"
 #include "cli/value_text.h"
-#include "platform/common/reg_names.h"
+#include "platform/text/reg_names.h"
 
 namespace korvex::cli {
 namespace {

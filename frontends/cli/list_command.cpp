@@ -11,7 +11,7 @@
 #include "engine/readers.h"
 #include "forms/control.h"
 #include "main_window/start_up.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

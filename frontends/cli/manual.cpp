@@ -13,7 +13,7 @@
 #include "cli/tweak_places.h"
 #include "engine/whats_this.h"
 #include "forms/control.h"
-#include "platform/common/reg_names.h"
+#include "platform/text/reg_names.h"
 
 namespace korvex::cli {
 namespace {

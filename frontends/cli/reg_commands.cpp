@@ -9,7 +9,7 @@
 #include "cli/commands.h"
 #include "cli/output.h"
 #include "cli/registry_access.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

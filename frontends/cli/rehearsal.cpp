@@ -8,7 +8,7 @@
 #include "cli/tweak_json.h"
 #include "engine/modes.h"
 #include "engine/readers.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

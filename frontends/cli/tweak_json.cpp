@@ -3,7 +3,7 @@
 
 #include "engine/catalogue.h"
 #include "forms/control.h"
-#include "platform/common/reg_names.h"
+#include "platform/text/reg_names.h"
 
 namespace korvex::cli {
 

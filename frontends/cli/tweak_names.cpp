@@ -8,7 +8,7 @@
 #include "cli/failure.h"
 #include "cli/value_text.h"
 #include "engine/catalogue.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

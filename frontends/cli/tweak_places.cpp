@@ -13,7 +13,7 @@
 #include "cli/value_text.h"
 #include "engine/catalogue.h"
 #include "main_window/main_pages.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "program/program.h"
 
 namespace korvex::cli {

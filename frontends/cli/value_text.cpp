@@ -8,7 +8,7 @@
 #include <limits>
 
 #include "cli/failure.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "platform/common/text.h"
 #include "platform/embedded/embedded_machine.h"
+#include "platform/text/text.h"
 #include "platform/windows_folder/installation.h"
 #include "platform/windows_folder/windows_machine.h"
 #include "platform/wine/wine_machine.h"

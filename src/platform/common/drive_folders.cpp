@@ -11,8 +11,8 @@
 
 #include "platform/common/dos_attributes.h"
 #include "platform/common/host_folder.h"
-#include "platform/common/text.h"
 #include "platform/common/windows_path.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

@@ -7,8 +7,8 @@
 #include "platform/common/drive_folders.h"
 #include "platform/common/host_folder.h"
 #include "platform/common/short_names.h"
-#include "platform/common/text.h"
 #include "platform/common/windows_path.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

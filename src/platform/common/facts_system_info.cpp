@@ -3,8 +3,8 @@
 
 #include <fmt/format.h>
 
-#include "platform/common/text.h"
 #include "platform/common/version_resource.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

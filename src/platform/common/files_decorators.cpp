@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/common/short_names.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

@@ -9,9 +9,9 @@
 #include <memory>
 
 #include "platform/common/short_names.h"
-#include "platform/common/text.h"
 #include "platform/common/whole_file.h"
 #include "platform/common/windows_path.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

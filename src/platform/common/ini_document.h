@@ -15,8 +15,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/common/text.h"
 #include "platform/status.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

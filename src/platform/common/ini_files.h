@@ -7,9 +7,9 @@
 #include <string>
 
 #include "platform/common/ini_document.h"
-#include "platform/common/text.h"
 #include "platform/files.h"
 #include "platform/init_files.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

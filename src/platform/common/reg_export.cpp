@@ -7,9 +7,9 @@
 #include <array>
 #include <ostream>
 
-#include "platform/common/reg_writer.h"
-#include "platform/common/text.h"
 #include "platform/common/whole_file.h"
+#include "platform/text/reg_writer.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

@@ -9,15 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/common/reg_names.h"
 #include "platform/registry.h"
+#include "platform/text/reg_names.h"
+#include "platform/text/reg_writer.h"
 
 namespace korvex::platform {
-
-enum class RegFormat {
-  Regedit4,  // 8-bit text in a code page: what Windows 95, 98, Me and NT 4 read and write
-  Version5,  // UTF-16: what Windows 2000 writes
-};
 
 struct RegExportOptions {
   RegFormat format = RegFormat::Version5;

@@ -15,9 +15,9 @@
 
 #include "platform/common/file_descriptor.h"
 #include "platform/common/reg_key_cursor.h"
-#include "platform/common/reg_parser.h"
 #include "platform/common/reg_tree.h"
 #include "platform/common/whole_file.h"
+#include "platform/text/reg_parser.h"
 
 namespace korvex::platform {
 namespace {

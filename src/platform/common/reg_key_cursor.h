@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/common/reg_names.h"
 #include "platform/registry.h"
+#include "platform/text/reg_names.h"
 
 namespace korvex::platform {
 

@@ -1,7 +1,7 @@
 // Registries around another registry.
 #include "platform/common/registry_decorators.h"
 
-#include "platform/common/reg_names.h"
+#include "platform/text/reg_names.h"
 
 namespace korvex::platform {
 

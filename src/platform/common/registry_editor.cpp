@@ -7,7 +7,7 @@
 
 #include "platform/common/reg_export.h"
 #include "platform/common/reg_import.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

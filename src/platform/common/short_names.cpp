@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

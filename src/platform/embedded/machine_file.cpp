@@ -9,9 +9,9 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "platform/common/text.h"
 #include "platform/common/whole_file.h"
 #include "platform/files.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/common/text.h"
 #include "platform/hives/file_set.h"
 #include "platform/stored/names.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

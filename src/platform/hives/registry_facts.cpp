@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

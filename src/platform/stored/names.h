@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/common/text.h"
 #include "platform/registry.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

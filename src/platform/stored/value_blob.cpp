@@ -1,8 +1,8 @@
 // Packs and unpacks the values of a key.
 #include "platform/stored/value_blob.h"
 
-#include "platform/common/text.h"
 #include "platform/stored/names.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

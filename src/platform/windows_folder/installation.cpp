@@ -11,7 +11,7 @@
 #include <fstream>
 
 #include "platform/common/host_lookup.h"
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "platform/windows_folder/hive_lookup.h"
 #include "platform/windows_folder/regf_hive.h"
 

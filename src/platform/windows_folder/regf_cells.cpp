@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "platform/windows_folder/regf_bytes.h"
 #include "platform/windows_folder/regf_header.h"
 

@@ -12,8 +12,8 @@
 
 #include "platform/common/file_descriptor.h"
 #include "platform/common/host_folder.h"
-#include "platform/common/text.h"
 #include "platform/common/whole_file.h"
+#include "platform/text/text.h"
 #include "platform/windows_folder/regf_check.h"
 #include "platform/windows_folder/regf_edit.h"
 #include "platform/windows_folder/regf_header.h"

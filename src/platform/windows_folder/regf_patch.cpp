@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <iterator>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "platform/windows_folder/regf_bytes.h"
 
 namespace korvex::platform {

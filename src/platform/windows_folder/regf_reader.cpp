@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

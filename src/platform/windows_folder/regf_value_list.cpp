@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

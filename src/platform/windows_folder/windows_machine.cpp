@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
-#include "platform/common/text.h"
 #include "platform/hives/hive_machine.h"
 #include "platform/hives/registry_facts.h"
+#include "platform/text/text.h"
 #include "platform/windows_folder/installation.h"
 #include "platform/windows_folder/regf_hive.h"
 

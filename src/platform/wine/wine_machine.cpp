@@ -9,9 +9,9 @@
 #include <memory>
 
 #include "platform/common/host_lookup.h"
-#include "platform/common/text.h"
 #include "platform/hives/hive_machine.h"
 #include "platform/hives/registry_facts.h"
+#include "platform/text/text.h"
 #include "platform/wine/wine_programs.h"
 #include "platform/wine/wine_server.h"
 #include "platform/wine/wine_text.h"

@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "platform/common/host_folder.h"
-#include "platform/common/text.h"
 #include "platform/common/whole_file.h"
+#include "platform/text/text.h"
 #include "platform/wine/wine_text_stamp.h"
 #include "platform/wine/wine_text_values.h"
 

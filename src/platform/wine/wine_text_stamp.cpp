@@ -7,8 +7,8 @@
 #include <chrono>
 #include <cstdint>
 
-#include "platform/common/reg_hex.h"
-#include "platform/common/text.h"
+#include "platform/text/reg_hex.h"
+#include "platform/text/text.h"
 #include "platform/wine/wine_text_lines.h"
 #include "platform/wine/wine_text_strings.h"
 

@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/common/reg_hex.h"
-#include "platform/common/text.h"
+#include "platform/text/reg_hex.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "platform/wine/wine_text_lines.h"
 
 namespace korvex::platform {

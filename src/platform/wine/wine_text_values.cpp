@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 #include "platform/wine/wine_text_tree.h"
 
 namespace korvex::platform {

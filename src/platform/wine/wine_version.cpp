@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/common/text.h"
 #include "platform/hives/registry_facts.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

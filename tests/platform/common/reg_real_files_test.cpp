@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "platform/common/reg_fixture.h"
-#include "platform/common/reg_parser.h"
-#include "platform/common/reg_writer.h"
+#include "platform/text/reg_parser.h"
+#include "platform/text/reg_writer.h"
 #include "support/machines.h"
 
 namespace korvex::platform {

@@ -1,5 +1,5 @@
 // Byte order marks and characters that lie across two blocks.
-#include "platform/common/reg_decoder.h"
+#include "platform/text/reg_decoder.h"
 
 #include <utility>
 

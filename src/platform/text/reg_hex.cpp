@@ -1,5 +1,5 @@
 // Hexadecimal digits, by table: hex data is most of a large file.
-#include "platform/common/reg_hex.h"
+#include "platform/text/reg_hex.h"
 
 #include <array>
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/common/reg_decoder.h"
-#include "platform/common/reg_names.h"
-#include "platform/common/text.h"
 #include "platform/registry.h"
+#include "platform/text/reg_decoder.h"
+#include "platform/text/reg_names.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 

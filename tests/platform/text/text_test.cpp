@@ -1,5 +1,5 @@
 // Case folding, UTF-16 and code pages: nothing may be lost on the way in or out.
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 #include <gtest/gtest.h>
 

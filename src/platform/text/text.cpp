@@ -1,12 +1,12 @@
 // Case folding, UTF-8 <-> UTF-16 and code pages, with short ways for ASCII.
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
-#include "platform/common/text_tables.h"
+#include "platform/text/text_tables.h"
 
 namespace korvex::platform {
 namespace {

@@ -4,10 +4,15 @@
 #include <string>
 #include <string_view>
 
-#include "platform/common/reg_export.h"
-#include "platform/common/text.h"
+#include "platform/registry.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
+
+enum class RegFormat {
+  Regedit4,  // 8-bit text in a code page: what Windows 95, 98, Me and NT 4 read and write
+  Version5,  // UTF-16: what Windows 2000 writes
+};
 
 // Builds a file's text piece by piece, in its final encoding. What the format cannot hold is
 // refused with the reason and leaves the text as it was.

@@ -1,11 +1,11 @@
 // Lines, keys and values of registry-editor files.
-#include "platform/common/reg_parser.h"
+#include "platform/text/reg_parser.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-#include "platform/common/reg_hex.h"
+#include "platform/text/reg_hex.h"
 
 namespace korvex::platform {
 namespace {

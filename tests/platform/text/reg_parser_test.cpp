@@ -1,5 +1,5 @@
 // What registry editors read, line by line. Most cases are known behaviour of real editors.
-#include "platform/common/reg_parser.h"
+#include "platform/text/reg_parser.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 // Keys and values as the registry editor writes them.
-#include "platform/common/reg_writer.h"
+#include "platform/text/reg_writer.h"
 
 #include <algorithm>
 #include <charconv>
 
-#include "platform/common/reg_hex.h"
+#include "platform/text/reg_hex.h"
 
 namespace korvex::platform {
 namespace {

@@ -1,10 +1,10 @@
 // Names of the registry's roots.
-#include "platform/common/reg_names.h"
+#include "platform/text/reg_names.h"
 
 #include <algorithm>
 #include <array>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/common/text.h"
+#include "platform/text/text.h"
 
 namespace korvex::platform {
 
