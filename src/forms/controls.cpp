@@ -1,6 +1,7 @@
 // How each kind of control behaves.
 #include "forms/controls.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "forms/form.h"
@@ -48,6 +49,7 @@ std::string ListControl::selectedItem() const {
 
 void ListControl::AddItem(std::string item) {
   items_.push_back(std::move(item));
+  itemInserted();
   itemsChanged.raise();
 }
 
@@ -57,6 +59,7 @@ void ListControl::RemoveItem(int index) {
   // No handler may see an index past the end, or one that names another item than before.
   if (selected == index) ListIndex = -1;
   items_.erase(items_.begin() + index);
+  itemErased(index);
   if (selected > index) ListIndex = selected - 1;
   itemsChanged.raise();
 }
@@ -64,6 +67,7 @@ void ListControl::RemoveItem(int index) {
 void ListControl::Clear() {
   ListIndex = -1;
   items_.clear();
+  itemsCleared();
   itemsChanged.raise();
 }
 
@@ -71,6 +75,39 @@ ListBox::ListBox(Form& form, std::string name, int visibleRows)
     : ListControl(form, ControlKind::ListBox, std::move(name), ""), visibleRows_(visibleRows) {
   ListIndex.changed += [this] { Click.raise(); };
 }
+
+std::string CheckList::stateText() const {
+  return std::to_string(std::count(checked_.begin(), checked_.end(), true)) + " of " +
+         std::to_string(checked_.size()) + " checked";
+}
+
+bool CheckList::isChecked(int index) const {
+  return index >= 0 && index < ListCount() && checked_[static_cast<std::size_t>(index)];
+}
+
+void CheckList::setChecked(int index, bool checked) {
+  if (index < 0 || index >= ListCount() || isChecked(index) == checked) return;
+  checked_[static_cast<std::size_t>(index)] = checked;
+  ItemCheck.raise();
+}
+
+void CheckList::setAllChecked(bool checked) {
+  if (std::find(checked_.begin(), checked_.end(), !checked) == checked_.end()) return;
+  checked_.assign(checked_.size(), checked);
+  ItemCheck.raise();
+}
+
+std::vector<std::string> CheckList::checkedItems() const {
+  std::vector<std::string> result;
+  for (std::size_t i = 0; i < checked_.size(); ++i) {
+    if (checked_[i]) result.push_back(items()[i]);
+  }
+  return result;
+}
+
+void CheckList::itemInserted() { checked_.push_back(false); }
+void CheckList::itemErased(int index) { checked_.erase(checked_.begin() + index); }
+void CheckList::itemsCleared() { checked_.clear(); }
 
 ComboBox::ComboBox(Form& form, std::string name, Style style)
     : ListControl(form, ControlKind::ComboBox, std::move(name), ""), style_(style) {

@@ -75,6 +75,11 @@ class ListControl : public Control {
   Event DblClick;
 
  private:
+  // For lists that keep more of an item than its text.
+  virtual void itemInserted() {}
+  virtual void itemErased(int /*index*/) {}
+  virtual void itemsCleared() {}
+
   std::vector<std::string> items_;
 };
 
@@ -85,6 +90,28 @@ class ListBox : public ListControl {
 
  private:
   int visibleRows_;
+};
+
+// A list whose items carry a check mark each, apart from the selection. Items are added without
+// one.
+class CheckList : public ListBox {
+ public:
+  using ListBox::ListBox;
+  std::string stateText() const override;  // "2 of 5 checked"
+
+  bool isChecked(int index) const;
+  void setChecked(int index, bool checked);
+  void setAllChecked(bool checked);
+  std::vector<std::string> checkedItems() const;
+
+  Event ItemCheck;  // raised when marks change, by the person or by code
+
+ private:
+  void itemInserted() override;
+  void itemErased(int index) override;
+  void itemsCleared() override;
+
+  std::vector<bool> checked_;
 };
 
 class ComboBox : public ListControl {

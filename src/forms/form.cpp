@@ -21,7 +21,11 @@ bool sameName(std::string_view left, std::string_view right) {
 }  // namespace
 
 Form::Form(std::string name, std::string caption)
-    : Caption(std::move(caption)), name_(std::move(name)) {}
+    : Caption(std::move(caption)), name_(std::move(name)) {
+  Busy.changed += [this] {
+    if (Busy) CancelAsked = false;
+  };
+}
 
 Control* Form::find(std::string_view controlName) const {
   for (Control* control : controls_) {

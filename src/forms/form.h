@@ -57,6 +57,10 @@ class Form {
   // True while the form works on something long; progress in percent, -1 where it is unknown.
   Property<bool> Busy{false};
   Property<int> Progress{-1};
+  // Whether the person may end that work, and whether they have asked for it: the work looks at it
+  // between its steps. Nobody has asked when the form gets busy anew.
+  Property<bool> CanCancel{false};
+  Property<bool> CancelAsked{false};
   // Kept by the front end that shows the form, so that the form can store it; a form that wants a
   // place sets it before it is shown. Nothing means: centred.
   std::optional<WindowPlace> place;

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,14 @@ class Files {
   virtual Status setAttributes(std::string_view path, std::uint32_t attributes) = 0;
 
   virtual Status read(std::string_view path, std::string& bytes) = 0;
+  // The same for large files: the bytes in order, piece by piece. A status other than success from
+  // take ends it and is returned.
+  virtual Status readPieces(std::string_view path,
+                            const std::function<Status(std::string_view)>& take) {
+    std::string bytes;
+    const Status status = read(path, bytes);
+    return status == ERROR_SUCCESS ? take(bytes) : status;
+  }
   // Makes or replaces the file, keeping its attributes. A READONLY file: 5.
   virtual Status replace(std::string_view path, std::string_view bytes) = 0;
   // Adds to the end of a log file; makes it where it is missing. The one write that is not whole.
@@ -65,6 +74,15 @@ class Files {
 
   // Every part of an existing path in its 8.3 form (GetShortPathNameA).
   virtual Status shortPath(std::string_view path, std::string& result) = 0;
+
+  // Bytes that can still be written where the path lies, which need not be there yet. 21 and 3 as
+  // above; 50 where it cannot be told.
+  virtual Status freeSpace(std::string_view /*path*/, std::uint64_t& /*bytes*/) {
+    return ERROR_NOT_SUPPORTED;
+  }
+  // The Windows path of a file or folder of the system that Korvex runs on; "" where no drive of
+  // the machine holds it.
+  virtual std::string pathOfHost(std::string_view /*hostPath*/) { return {}; }
 
   // True where the path names an existing file or folder.
   bool exists(std::string_view path) {
