@@ -135,4 +135,17 @@ Status FileChange::shortPath(std::string_view path, std::string& result) {
   return files_.shortPath(path, result);
 }
 
+Status FileChange::readPieces(std::string_view path,
+                              const std::function<Status(std::string_view)>& take) {
+  return files_.readPieces(path, take);
+}
+
+Status FileChange::freeSpace(std::string_view path, std::uint64_t& bytes) {
+  return files_.freeSpace(path, bytes);
+}
+
+std::string FileChange::pathOfHost(std::string_view hostPath) {
+  return files_.pathOfHost(hostPath);
+}
+
 }  // namespace korvex::platform

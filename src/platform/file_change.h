@@ -39,6 +39,10 @@ class FileChange : public Files {
   Status removeFolder(std::string_view path) override;
   Status list(std::string_view pattern, std::vector<FileEntry>& entries) override;
   Status shortPath(std::string_view path, std::string& result) override;
+  Status readPieces(std::string_view path,
+                    const std::function<Status(std::string_view)>& take) override;
+  Status freeSpace(std::string_view path, std::uint64_t& bytes) override;
+  std::string pathOfHost(std::string_view hostPath) override;
 
  private:
   using Undo = std::function<Status()>;

@@ -3,9 +3,11 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -26,17 +28,21 @@ Status flushFolder(const FileDescriptor& folder) {
   return ::fsync(folder.get()) == 0 || errno == EINVAL ? ERROR_SUCCESS : statusOfErrno(errno);
 }
 
-Status pour(int from, WholeFileWriter& to) {
+Status readBlocks(int from, const std::function<Status(std::string_view)>& take) {
   std::string block(kBlockSize, '\0');
   for (;;) {
     const ssize_t count = ::read(from, block.data(), block.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return statusOfErrno(errno);
-    if (count == 0) return to.status();
-    const Status status =
-        to.write(std::string_view(block).substr(0, static_cast<std::size_t>(count)));
+    if (count == 0) return ERROR_SUCCESS;
+    const Status status = take(std::string_view(block).substr(0, static_cast<std::size_t>(count)));
     if (status != ERROR_SUCCESS) return status;
   }
+}
+
+Status pour(int from, WholeFileWriter& to) {
+  const Status status = readBlocks(from, [&to](std::string_view piece) { return to.write(piece); });
+  return status == ERROR_SUCCESS ? to.status() : status;
 }
 
 bool sameFile(const struct stat& left, const struct stat& right) {
@@ -156,6 +162,53 @@ Status DriveFolders::read(std::string_view path, std::string& bytes) {
   FileDescriptor file;
   const Status status = openToRead(path, file);
   return status == ERROR_SUCCESS ? readAll(file.get(), bytes) : status;
+}
+
+Status DriveFolders::readPieces(std::string_view path,
+                                const std::function<Status(std::string_view)>& take) {
+  FileDescriptor file;
+  const Status status = openToRead(path, file);
+  return status == ERROR_SUCCESS ? readBlocks(file.get(), take) : status;
+}
+
+Status DriveFolders::freeSpace(std::string_view path, std::uint64_t& bytes) {
+  WindowsPath parsed;
+  FileDescriptor folder;
+  Status status = parseWindowsPath(path, parsed);
+  if (status == ERROR_SUCCESS) status = openDrive(parsed.drive, folder);
+  // A folder of the drive may be a file system of its own: the deepest one that is there counts.
+  for (const std::string& part : parsed.parts) {
+    if (status != ERROR_SUCCESS || enterFolder(folder, part) != ERROR_SUCCESS) break;
+  }
+  struct statvfs space {};
+  if (status == ERROR_SUCCESS && ::fstatvfs(folder.get(), &space) != 0) {
+    status = statusOfErrno(errno);
+  }
+  if (status == ERROR_SUCCESS) bytes = std::uint64_t{space.f_bavail} * space.f_frsize;
+  return status;
+}
+
+std::string DriveFolders::pathOfHost(std::string_view hostPath) {
+  std::error_code error;
+  const auto wanted = std::filesystem::weakly_canonical(hostPath, error);
+  if (error) return {};
+  std::string best;
+  std::size_t bestParts = 0;
+  for (const auto& [drive, folder] : drives_) {
+    const auto root = std::filesystem::canonical(folder, error);
+    if (error) continue;
+    const auto below = wanted.lexically_relative(root);
+    if (below.empty() || *below.begin() == "..") continue;
+    const auto parts = static_cast<std::size_t>(std::distance(root.begin(), root.end()));
+    if (!best.empty() && parts <= bestParts) continue;
+    bestParts = parts;
+    best = std::string(1, drive) + ":";
+    for (const auto& part : below) {
+      if (part != ".") best += '\\' + part.string();
+    }
+    if (best.size() == 2) best += '\\';
+  }
+  return best;
 }
 
 Status DriveFolders::openToReplace(std::string_view path,

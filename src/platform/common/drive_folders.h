@@ -47,6 +47,11 @@ class DriveFolders : public Files {
   Status removeFolder(std::string_view path) override;
   Status list(std::string_view pattern, std::vector<FileEntry>& entries) override;
   Status shortPath(std::string_view path, std::string& result) override;
+  Status readPieces(std::string_view path,
+                    const std::function<Status(std::string_view)>& take) override;
+  Status freeSpace(std::string_view path, std::uint64_t& bytes) override;
+  // Of several drives that hold it the one whose folder is nearest.
+  std::string pathOfHost(std::string_view hostPath) override;
 
   // Two for large files, which are read and written piece by piece; the same rules hold. The
   // writer's commit() is the change.

@@ -34,6 +34,10 @@ class PretendingFiles : public Files {
   Status removeFolder(std::string_view path) override;
   Status list(std::string_view pattern, std::vector<FileEntry>& entries) override;
   Status shortPath(std::string_view path, std::string& result) override;
+  Status freeSpace(std::string_view path, std::uint64_t& bytes) override {
+    return inner_.freeSpace(path, bytes);
+  }
+  std::string pathOfHost(std::string_view hostPath) override { return inner_.pathOfHost(hostPath); }
 
  private:
   // What is pretended of one path; a file's bytes are its own.
@@ -95,6 +99,10 @@ class RecordingFiles : public Files {
   Status removeFolder(std::string_view path) override;
   Status list(std::string_view pattern, std::vector<FileEntry>& entries) override;
   Status shortPath(std::string_view path, std::string& result) override;
+  Status freeSpace(std::string_view path, std::uint64_t& bytes) override {
+    return inner_.freeSpace(path, bytes);
+  }
+  std::string pathOfHost(std::string_view hostPath) override { return inner_.pathOfHost(hostPath); }
 
  private:
   std::optional<FileState> stateOf(std::string_view path) const;

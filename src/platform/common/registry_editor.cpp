@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "platform/common/reg_export.h"
@@ -16,6 +18,33 @@ bool isRegistryEditor(std::string_view program) {
   const std::size_t folder = program.find_last_of("\\/");
   if (folder != std::string_view::npos) program.remove_prefix(folder + 1);
   return sameName(program, "regedit") || sameName(program, "regedit.exe");
+}
+
+bool isCommandFile(std::string_view program) {
+  const std::size_t dot = program.rfind('.');
+  const std::string_view extension = dot == std::string_view::npos ? "" : program.substr(dot + 1);
+  return sameName(extension, "bat") || sameName(extension, "cmd");
+}
+
+// The commands of a command file: without what the command processor itself takes.
+std::vector<std::string> commandLines(std::string_view text) {
+  std::vector<std::string> commands;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string line(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (!line.empty() && line.front() == '@') line.erase(0, 1);
+    // A percent sign stands there twice.
+    for (std::size_t at = line.find("%%"); at != std::string::npos; at = line.find("%%", at + 1)) {
+      line.erase(at, 1);
+    }
+    const auto words = commandWords(line);
+    const bool isRemark =
+        words.empty() || sameName(words.front(), "rem") || sameName(words.front(), "echo");
+    if (!isRemark) commands.push_back(std::move(line));
+  }
+  return commands;
 }
 
 // What the editor was asked to do.
@@ -60,13 +89,41 @@ std::vector<std::string> commandWords(std::string_view commandLine) {
   return words;
 }
 
-bool RegistryEditor::isMeant(std::string_view commandLine) {
-  const auto words = commandWords(commandLine);
-  return !words.empty() && isRegistryEditor(words.front());
+bool RegistryEditor::readCommands(const std::vector<std::string>& words,
+                                  std::vector<std::string>& commands) {
+  std::string text;
+  if (words.size() != 1 || !isCommandFile(words.front())) return false;
+  if (files_.read(words.front(), text) != ERROR_SUCCESS) return false;
+  commands = commandLines(text);
+  return !commands.empty() &&
+         std::all_of(commands.begin(), commands.end(), [](const auto& command) {
+           return isRegistryEditor(commandWords(command).front());
+         });
 }
 
+bool RegistryEditor::isMeant(std::string_view commandLine) {
+  const auto words = commandWords(commandLine);
+  std::vector<std::string> commands;
+  return !words.empty() && (isRegistryEditor(words.front()) || readCommands(words, commands));
+}
+
+// A command file goes on after a command that fails, as on Windows; the first failure is told.
 Status RegistryEditor::run(std::string_view commandLine, int& exitCode, std::string& message) {
-  exitCode = 1;
+  std::vector<std::string> commands;
+  if (!readCommands(commandWords(commandLine), commands)) commands = {std::string(commandLine)};
+  Status first = ERROR_SUCCESS;
+  message.clear();
+  for (const std::string& command : commands) {
+    std::string told;
+    const Status status = runOne(command, told);
+    if (first == ERROR_SUCCESS) first = status;
+    if (message.empty()) message = told;
+  }
+  exitCode = first == ERROR_SUCCESS ? 0 : 1;
+  return first;
+}
+
+Status RegistryEditor::runOne(std::string_view commandLine, std::string& message) {
   const auto words = commandWords(commandLine);
   const EditorCall call = readCall(words);
   const std::size_t most = call.isExport ? 2 : 1;
@@ -75,10 +132,8 @@ Status RegistryEditor::run(std::string_view commandLine, int& exitCode, std::str
     return ERROR_INVALID_PARAMETER;
   }
   const std::string key = call.names.size() > 1 ? call.names[1] : std::string();
-  const Status status =
-      call.isExport ? exportKeys(call.names[0], key, message) : importFile(call.names[0], message);
-  exitCode = status == ERROR_SUCCESS ? 0 : 1;
-  return status;
+  return call.isExport ? exportKeys(call.names[0], key, message)
+                       : importFile(call.names[0], message);
 }
 
 Status RegistryEditor::exportKeys(const std::string& file, const std::string& key,

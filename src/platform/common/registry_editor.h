@@ -12,17 +12,21 @@
 namespace korvex::platform {
 
 // "regedit /e FILE [KEY]" and "regedit /s FILE", also with a folder before the program's name, in
-// any case and order of the switches. The exit code is 1 where it has failed, and message says why.
+// any case and order of the switches; and command files that hold nothing else. The exit code is 1
+// where one of them has failed, and message says why.
 class RegistryEditor {
  public:
   RegistryEditor(const MachineFacts& facts, Registry& registry, DriveFolders& files)
       : facts_(facts), registry_(registry), files_(files) {}
 
-  // Whether a command line starts the registry editor.
-  static bool isMeant(std::string_view commandLine);
+  // Whether a command line starts the registry editor, or a command file (.bat, .cmd) that starts
+  // nothing but the registry editor.
+  bool isMeant(std::string_view commandLine);
   Status run(std::string_view commandLine, int& exitCode, std::string& message);
 
  private:
+  bool readCommands(const std::vector<std::string>& words, std::vector<std::string>& commands);
+  Status runOne(std::string_view commandLine, std::string& message);
   Status exportKeys(const std::string& file, const std::string& key, std::string& message);
   Status importFile(const std::string& file, std::string& message);
 

@@ -6,7 +6,7 @@
 namespace korvex::platform {
 
 Status EmbeddedProcesses::run(std::string_view commandLine, int& exitCode, std::string& message) {
-  if (RegistryEditor::isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
+  if (editor_.isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
   exitCode = 1;
   if (commandLine.empty()) return ERROR_INVALID_PARAMETER;
   return refuse(commandLine, message);

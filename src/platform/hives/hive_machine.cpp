@@ -65,7 +65,7 @@ class HiveProcesses : public Processes {
       : options_(options), registry_(registry), editor_(facts, registry, files) {}
 
   Status run(std::string_view commandLine, int& exitCode, std::string& message) override {
-    if (RegistryEditor::isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
+    if (editor_.isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
     return start(commandLine, Wait::Yes, exitCode, message);
   }
   Status ShellExecuteA(std::string_view /*verb*/, std::string_view file,
@@ -73,7 +73,7 @@ class HiveProcesses : public Processes {
                        std::string& message) override {
     const std::string commandLine = commandLineOf(file, parameters);
     int exitCode = 0;
-    if (RegistryEditor::isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
+    if (editor_.isMeant(commandLine)) return editor_.run(commandLine, exitCode, message);
     return start(commandLine, Wait::No, exitCode, message);
   }
 
