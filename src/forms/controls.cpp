@@ -77,37 +77,51 @@ ListBox::ListBox(Form& form, std::string name, int visibleRows)
 }
 
 std::string CheckList::stateText() const {
-  return std::to_string(std::count(checked_.begin(), checked_.end(), true)) + " of " +
-         std::to_string(checked_.size()) + " checked";
+  const auto count = std::count_if(marks_.begin(), marks_.end(), [](Mark m) { return m.checked; });
+  return std::to_string(count) + " of " + std::to_string(marks_.size()) + " checked";
 }
 
 bool CheckList::isChecked(int index) const {
-  return index >= 0 && index < ListCount() && checked_[static_cast<std::size_t>(index)];
+  return index >= 0 && index < ListCount() && marks_[static_cast<std::size_t>(index)].checked;
 }
 
 void CheckList::setChecked(int index, bool checked) {
-  if (index < 0 || index >= ListCount() || isChecked(index) == checked) return;
-  checked_[static_cast<std::size_t>(index)] = checked;
+  if (!isCheckable(index) || isChecked(index) == checked) return;
+  marks_[static_cast<std::size_t>(index)].checked = checked;
   ItemCheck.raise();
 }
 
 void CheckList::setAllChecked(bool checked) {
-  if (std::find(checked_.begin(), checked_.end(), !checked) == checked_.end()) return;
-  checked_.assign(checked_.size(), checked);
+  bool changed = false;
+  for (Mark& mark : marks_) {
+    if (!mark.checkable || mark.checked == checked) continue;
+    mark.checked = checked;
+    changed = true;
+  }
+  if (changed) ItemCheck.raise();
+}
+
+bool CheckList::isCheckable(int index) const {
+  return index >= 0 && index < ListCount() && marks_[static_cast<std::size_t>(index)].checkable;
+}
+
+void CheckList::setCheckable(int index, bool checkable) {
+  if (index < 0 || index >= ListCount() || isCheckable(index) == checkable) return;
+  marks_[static_cast<std::size_t>(index)] = {false, checkable};
   ItemCheck.raise();
 }
 
 std::vector<std::string> CheckList::checkedItems() const {
   std::vector<std::string> result;
-  for (std::size_t i = 0; i < checked_.size(); ++i) {
-    if (checked_[i]) result.push_back(items()[i]);
+  for (std::size_t i = 0; i < marks_.size(); ++i) {
+    if (marks_[i].checked) result.push_back(items()[i]);
   }
   return result;
 }
 
-void CheckList::itemInserted() { checked_.push_back(false); }
-void CheckList::itemErased(int index) { checked_.erase(checked_.begin() + index); }
-void CheckList::itemsCleared() { checked_.clear(); }
+void CheckList::itemInserted() { marks_.emplace_back(); }
+void CheckList::itemErased(int index) { marks_.erase(marks_.begin() + index); }
+void CheckList::itemsCleared() { marks_.clear(); }
 
 ComboBox::ComboBox(Form& form, std::string name, Style style)
     : ListControl(form, ControlKind::ComboBox, std::move(name), ""), style_(style) {

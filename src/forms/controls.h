@@ -92,8 +92,7 @@ class ListBox : public ListControl {
   int visibleRows_;
 };
 
-// A list whose items carry a check mark each, apart from the selection. Items are added without
-// one.
+// A list whose items carry a check mark each, apart from the selection. Items are added unchecked.
 class CheckList : public ListBox {
  public:
   using ListBox::ListBox;
@@ -102,6 +101,9 @@ class CheckList : public ListBox {
   bool isChecked(int index) const;
   void setChecked(int index, bool checked);
   void setAllChecked(bool checked);
+  // An item that cannot be checked is passed over by all of these.
+  bool isCheckable(int index) const;
+  void setCheckable(int index, bool checkable);
   std::vector<std::string> checkedItems() const;
 
   Event ItemCheck;  // raised when marks change, by the person or by code
@@ -111,7 +113,11 @@ class CheckList : public ListBox {
   void itemErased(int index) override;
   void itemsCleared() override;
 
-  std::vector<bool> checked_;
+  struct Mark {
+    bool checked = false;
+    bool checkable = true;
+  };
+  std::vector<Mark> marks_;
 };
 
 class ComboBox : public ListControl {

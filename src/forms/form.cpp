@@ -27,6 +27,12 @@ Form::Form(std::string name, std::string caption)
   };
 }
 
+bool Form::goOn(int percent) {
+  Progress = percent;
+  wentOn.raise();
+  return !CanCancel || !CancelAsked;
+}
+
 Control* Form::find(std::string_view controlName) const {
   for (Control* control : controls_) {
     if (sameName(control->name(), controlName)) return control;

@@ -61,6 +61,10 @@ class Form {
   // between its steps. Nobody has asked when the form gets busy anew.
   Property<bool> CanCancel{false};
   Property<bool> CancelAsked{false};
+  // For that work, between its steps: shows how far it is and lets the person reach "Cancel". False
+  // where they have asked for the end.
+  bool goOn(int percent);
+  Event wentOn;  // for the view
   // Kept by the front end that shows the form, so that the form can store it; a form that wants a
   // place sets it before it is shown. Nothing means: centred.
   std::optional<WindowPlace> place;

@@ -105,6 +105,68 @@ TEST_F(Lists, AComboWithoutFreeTextShowsNothingOnceItIsCleared) {
   EXPECT_EQ(combo.stateText(), "typed");
 }
 
+struct Marks : ::testing::Test {
+  using Items = std::vector<std::string>;
+  Form form{"frm", ""};
+  CheckList list{form, "lst"};
+  int told = 0;
+  void SetUp() override {
+    for (const char* item : {"one", "two", "three", "four"}) list.AddItem(item);
+    list.ItemCheck += [this] { ++told; };
+  }
+};
+
+TEST_F(Marks, StayWithTheirItemsWhenOthersGo) {
+  list.setChecked(0, true);
+  list.setChecked(2, true);
+  list.RemoveItem(1);
+  list.AddItem("five");
+  EXPECT_EQ(list.checkedItems(), (Items{"one", "three"}));
+  list.RemoveItem(0);
+  EXPECT_EQ(list.stateText(), "1 of 3 checked");
+  list.Clear();
+  list.AddItem("one");
+  EXPECT_FALSE(list.isChecked(0)) << "of an item that has gone";
+}
+
+TEST_F(Marks, TellOncePerChangeAndNothingForNone) {
+  list.setChecked(1, true);
+  list.setChecked(1, true);
+  list.setChecked(-1, true);
+  list.setChecked(4, true);
+  EXPECT_EQ(told, 1);
+  list.setAllChecked(true);
+  list.setAllChecked(true);
+  EXPECT_EQ(told, 2);
+}
+
+TEST_F(Marks, AnItemThatCannotBeCheckedIsPassedOver) {
+  list.setAllChecked(true);
+  list.setCheckable(1, false);
+  EXPECT_FALSE(list.isChecked(1));
+  list.setChecked(1, true);
+  list.setAllChecked(true);
+  EXPECT_EQ(list.checkedItems(), (Items{"one", "three", "four"}));
+  list.RemoveItem(0);
+  EXPECT_FALSE(list.isCheckable(0));
+  EXPECT_TRUE(list.isCheckable(1));
+}
+
+TEST(LongWork, GoesOnUntilTheEndIsAskedForAndMayBe) {
+  Form form("frm", "");
+  int shown = 0;
+  form.wentOn += [&shown] { ++shown; };
+  form.CanCancel = true;
+  form.Busy = true;
+  EXPECT_TRUE(form.goOn(40));
+  form.CancelAsked = true;
+  EXPECT_FALSE(form.goOn(40));
+  EXPECT_EQ(shown, 2) << "also where the percentage stays";
+  form.Busy = false;
+  form.Busy = true;
+  EXPECT_TRUE(form.goOn(0)) << "asked for the end of other work";
+}
+
 TEST(Controls, PlainCaptionIsWhatAScreenReaderSays) {
   EXPECT_EQ(plainCaption("&Save as..."), "Save as");
   EXPECT_EQ(plainCaption("Fish && &chips:"), "Fish & chips");
