@@ -14,6 +14,7 @@
 #include <QWhatsThis>
 #include <algorithm>
 
+#include "qt/busy_filter.h"
 #include "qt/layout_builder.h"
 #include "qt/page_area.h"
 #include "qt/text.h"
@@ -28,6 +29,7 @@ constexpr int kNormal = 0;
 constexpr int kMinimized = 1;
 constexpr int kMaximized = 2;
 constexpr QSize kLargestAtStart{1024, 720};
+constexpr int kShowWorkEveryMs = 40;
 
 Qt::WindowFlags flagsFor(bool dialog) {
   constexpr Qt::WindowFlags kFrame = Qt::CustomizeWindowHint | Qt::WindowTitleHint |
@@ -91,11 +93,25 @@ void FormView::makeStatusBar() {
   progress_->setObjectName("progress");
   progress_->setAccessibleName("Progress");
   progress_->setMaximumWidth(fontMetrics().horizontalAdvance('x') * 30);
+  cancel_ = new QPushButton("Cancel", statusBar_);
+  cancel_->setObjectName("cancelWork");
+  cancel_->setToolTip("Ends this and takes back what was done (Esc)");
+  // Taking the focus would be told to the form, which is at work.
+  cancel_->setFocusPolicy(Qt::NoFocus);
+  connect(cancel_, &QPushButton::clicked, this, [this] { form_.CancelAsked = true; });
   statusBar_->addWidget(statusText_, 1);
   statusBar_->addPermanentWidget(progress_);
+  statusBar_->addPermanentWidget(cancel_);
   bindings_.follow(form_.StatusText, [this] { showStatus(); });
   bindings_.follow(form_.Busy, [this] { showBusy(); });
-  bindings_.on(form_.Progress.changed, [this] { showBusy(); });
+  for (forms::Event* event :
+       {&form_.Progress.changed, &form_.CanCancel.changed, &form_.CancelAsked.changed}) {
+    bindings_.on(*event, [this] { showBusy(); });
+  }
+  bindings_.on(form_.wentOn, [this] {
+    // Work has more steps than anybody could see.
+    if (!shownSince_.isValid() || shownSince_.elapsed() >= kShowWorkEveryMs) showBusy();
+  });
 }
 
 void FormView::showStatus() {
@@ -103,25 +119,46 @@ void FormView::showStatus() {
   statusBar_->setVisible(busyForLong_ || !form_.StatusText->empty());
 }
 
-void FormView::showBusy() {
+void FormView::showCursor() {
   const bool busy = form_.Busy;
-  if (busy != waitCursor_) {
-    waitCursor_ = busy;
-    if (busy) {
-      busySince_.start();
-      QApplication::setOverrideCursor(Qt::WaitCursor);
-    } else {
-      QApplication::restoreOverrideCursor();
-    }
+  const QCursor cursor(form_.CanCancel ? Qt::BusyCursor : Qt::WaitCursor);
+  if (busy && !waitCursor_) {
+    busySince_.start();
+    shownSince_.invalidate();
+    QApplication::setOverrideCursor(cursor);
+  } else if (busy) {
+    QApplication::changeOverrideCursor(cursor);
+  } else if (waitCursor_) {
+    QApplication::restoreOverrideCursor();
   }
+  waitCursor_ = busy;
+}
+
+void FormView::showBusy() {
+  showCursor();
   const int percent = form_.Progress;
   progress_->setRange(0, percent < 0 ? 0 : 100);
   progress_->setValue(percent < 0 ? 0 : percent);
-  busyForLong_ = busy && busySince_.elapsed() >= progressDelay;
+  busyForLong_ = form_.Busy && busySince_.elapsed() >= progressDelay;
   progress_->setVisible(busyForLong_);
+  cancel_->setVisible(busyForLong_ && form_.CanCancel);
+  cancel_->setEnabled(!form_.CancelAsked);
   showStatus();
-  // The form works inside one of its handlers: what it tells meanwhile must reach the screen.
-  if (busyForLong_ && isVisible()) QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  if (busyForLong_ && isVisible() && !showingWork_) showWork();
+}
+
+// The form works inside one of its handlers: what it tells meanwhile must reach the screen, and no
+// other handler may run.
+void FormView::showWork() {
+  showingWork_ = true;
+  if (form_.CanCancel) {
+    const BusyFilter onlyCancel(*this, *cancel_, [this] { form_.CancelAsked = true; });
+    QApplication::processEvents();
+  } else {
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  }
+  showingWork_ = false;
+  shownSince_.start();
 }
 
 CommandButton* FormView::buttonWith(CommandButton::Role role) const {

@@ -16,6 +16,7 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 class QStatusBar;
 
 namespace korvex::qt {
@@ -54,6 +55,8 @@ class FormView : public QDialog {
   void chainTabOrder(const std::vector<QWidget*>& order);
   void showStatus();
   void showBusy();
+  void showCursor();
+  void showWork();
   QSize initialSize(const QRect& available) const;
   void keepOnScreen();
   void rememberPlace();
@@ -65,8 +68,11 @@ class FormView : public QDialog {
   QStatusBar* statusBar_ = nullptr;
   QLabel* statusText_ = nullptr;
   QProgressBar* progress_ = nullptr;
+  QPushButton* cancel_ = nullptr;
   bool waitCursor_ = false;
+  bool showingWork_ = false;
   QElapsedTimer busySince_;
+  QElapsedTimer shownSince_;
   bool busyForLong_ = false;
   bool shown_ = false;
   Bindings bindings_;  // goes first

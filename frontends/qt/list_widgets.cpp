@@ -1,5 +1,5 @@
-// Lists and combo boxes, which show the control's own items through a model: adding one of many
-// thousand costs the same as adding the first.
+// Lists, checked lists and combo boxes, which show the control's own items through a model: adding
+// one of many thousand costs the same as adding the first.
 #include "qt/list_widgets.h"
 
 #include <QAbstractListModel>
@@ -7,6 +7,7 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QListView>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <memory>
 
@@ -50,6 +51,56 @@ class ItemModel : public QAbstractListModel {
   int shown_;
 };
 
+class CheckModel : public ItemModel {
+ public:
+  CheckModel(forms::CheckList& control, QObject* parent)
+      : ItemModel(control, parent), control_(control) {}
+
+  QVariant data(const QModelIndex& index, int role) const override {
+    if (role != Qt::CheckStateRole) return ItemModel::data(index, role);
+    return control_.isChecked(index.row()) ? Qt::Checked : Qt::Unchecked;
+  }
+  Qt::ItemFlags flags(const QModelIndex& index) const override {
+    const Qt::ItemFlags flags = ItemModel::flags(index) | Qt::ItemNeverHasChildren;
+    return control_.isCheckable(index.row()) ? flags | Qt::ItemIsUserCheckable : flags;
+  }
+  // The person's hand.
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override {
+    if (role != Qt::CheckStateRole) return false;
+    control_.setChecked(index.row(), value.toInt() == Qt::Checked);
+    return true;
+  }
+  void refreshMarks() {
+    if (rowCount() > 0) emit dataChanged(index(0), index(rowCount() - 1), {Qt::CheckStateRole});
+  }
+
+ private:
+  forms::CheckList& control_;
+};
+
+// Greys an item that cannot be checked; it can be selected all the same.
+class CheckDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if ((index.flags() & Qt::ItemIsUserCheckable) == 0) {
+      option->state.setFlag(QStyle::State_Enabled, false);
+    }
+  }
+};
+
+ItemModel* makeModel(forms::ListBox& control, QListView& list, Bindings& bindings) {
+  auto* marked = dynamic_cast<forms::CheckList*>(&control);
+  if (marked == nullptr) return new ItemModel(control, &list);
+  auto* model = new CheckModel(*marked, &list);
+  list.setItemDelegate(new CheckDelegate(&list));
+  bindings.on(marked->ItemCheck, [model] { model->refreshMarks(); });
+  return model;
+}
+
 class ListView : public QListView {
  public:
   ListView(int rows, QWidget* parent) : QListView(parent), rows_(rows) {
@@ -80,14 +131,18 @@ class ListView : public QListView {
 
 QWidget* makeListBox(forms::ListBox& control, QWidget* parent, Bindings& bindings) {
   auto* list = new ListView(control.visibleRows(), parent);
-  auto* model = new ItemModel(control, list);
+  auto* model = makeModel(control, *list, bindings);
   list->setModel(model);
   const auto showing = std::make_shared<bool>(false);
   const auto select = [&control, list, model, showing] {
     const QModelIndex index = model->index(control.ListIndex);
-    if (list->currentIndex() == index) return;
+    QItemSelectionModel& selection = *list->selectionModel();
     *showing = true;
-    list->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    if (!index.isValid()) {
+      selection.clearSelection();
+    } else if (list->currentIndex() != index || !selection.isSelected(index)) {
+      selection.setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    }
     *showing = false;
   };
   bindings.on(control.itemsChanged, [model, select, showing] {
@@ -98,9 +153,14 @@ QWidget* makeListBox(forms::ListBox& control, QWidget* parent, Bindings& binding
     select();
   });
   bindings.follow(control.ListIndex, select);
-  QObject::connect(list->selectionModel(), &QItemSelectionModel::currentChanged, list,
-                   [&control, showing](const QModelIndex& current) {
-                     if (!*showing) control.ListIndex = current.row();
+  // What is selected, not what is current: a list that gets the focus makes its first item current,
+  // which is no choice of the user either.
+  QItemSelectionModel* const selection = list->selectionModel();
+  QObject::connect(selection, &QItemSelectionModel::selectionChanged, list,
+                   [&control, showing, selection] {
+                     if (*showing) return;
+                     const QModelIndexList rows = selection->selectedIndexes();
+                     control.ListIndex = rows.isEmpty() ? -1 : rows.front().row();
                    });
   QObject::connect(list, &QListView::doubleClicked, list, [&control] { control.DblClick.raise(); });
   return list;
