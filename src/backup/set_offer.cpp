@@ -1,0 +1,530 @@
+// Comparing a set with its machine, and putting it back.
+#include "backup/set_offer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "backup/associations.h"
+#include "backup/category_files.h"
+#include "backup/folder_tree.h"
+#include "backup/reg_difference.h"
+#include "backup/set_writer.h"
+#include "platform/file_change.h"
+#include "platform/text/reg_names.h"
+#include "platform/text/text.h"
+
+namespace korvex::backup {
+
+using foundation::kCrLf;
+using foundation::Session;
+using namespace platform;
+
+namespace {
+
+using Kind = SetEntry::Kind;
+
+constexpr std::string_view kBefore = " (before restore)";
+constexpr std::string_view kBeforeTakingBack = " (before taking back)";
+constexpr std::uint32_t kComparedAttributes =
+    FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+
+RestoreChange::Kind kindOf(RegChange::Kind kind) {
+  switch (kind) {
+    case RegChange::Kind::NewKey:
+      return RestoreChange::Kind::NewKey;
+    case RegChange::Kind::DeletedKey:
+      return RestoreChange::Kind::DeletedKey;
+    case RegChange::Kind::NewValue:
+      return RestoreChange::Kind::NewValue;
+    case RegChange::Kind::ChangedValue:
+      return RestoreChange::Kind::ChangedValue;
+    default:
+      return RestoreChange::Kind::DeletedValue;
+  }
+}
+
+// One step of a restore, ready to be done.
+struct Step {
+  enum class Kind { ImportKey, DeleteKey, PutFile, DeleteFile, MakeFolder, WritePasswordLists };
+  Kind kind = Kind::ImportKey;
+  HKEY root = 0;
+  std::string key;
+  std::string file;   // in the set, in full
+  std::string place;  // of a file
+  std::string name;   // in the set, for the keeper
+  std::uint32_t attributes = 0;
+  std::vector<RegChange> extras;  // to be deleted before the import
+};
+
+struct Plan {
+  const Category* category = nullptr;
+  std::vector<Step> steps;
+};
+
+class SetOffer : public RestoreOffer {
+ public:
+  SetOffer(Session& session, RegistryBacker& backer, const ConfigSet& set)
+      : session_(session), files_(session.files()), backer_(backer), set_(set) {}
+
+  void compare(const Progress& progress) {
+    for (std::size_t i = 0; i < set_.tags.size(); ++i) {
+      if (progress && !progress(static_cast<int>(100 * i / set_.tags.size()))) {
+        items_.clear();
+        return;
+      }
+      compareCategory(set_.tags[i]);
+    }
+  }
+
+  std::string question() const override {
+    return fmt::format("Restore the selected settings for {}?", set_.name);
+  }
+  const std::vector<RestoreItem>& items() const override { return items_; }
+  RestoreOutcome restore(const std::vector<bool>& chosen, const Progress& progress) override;
+
+ private:
+  void compareCategory(const std::string& tag);
+  void compareEntry(const SetEntry& entry, RestoreItem& item, Plan& plan);
+  void compareKey(const SetEntry& entry, RestoreItem& item, Plan& plan);
+  void compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan);
+  void comparePasswordLists(const SetEntry& entry, RestoreItem& item, Plan& plan);
+  void findExtraFiles(RestoreItem& item, Plan& plan);
+  bool keyFor(const SetEntry& entry, const Category& category, Step& step, std::string& why);
+  bool isWhole(const SetEntry& entry, RestoreItem& item);
+  std::string inFolder(std::string_view file) const {
+    return fmt::format("{}\\{}", set_.folder, file);
+  }
+  static void add(RestoreItem& item, RestoreChange change) {
+    ++item.changeCount;
+    if (item.changes.size() < RestoreItem::kMostChanges) item.changes.push_back(std::move(change));
+  }
+
+  SaveOutcome keep(const std::vector<bool>& chosen, const Progress& progress);
+  Status doStep(const Step& step, Files& files, std::string& message);
+  Status importKey(const Step& step, std::string& message);
+  Status writePasswordLists(const Step& step, Files& files);
+
+  Session& session_;
+  Files& files_;
+  RegistryBacker& backer_;
+  ConfigSet set_;
+  std::vector<RestoreItem> items_;
+  std::vector<Plan> plans_;
+};
+
+void SetOffer::compareCategory(const std::string& tag) {
+  RestoreItem item;
+  Plan plan;
+  item.name = tag;
+  plan.category = findCategory(tag);
+  item.caption = plan.category->captionFor(session_);
+  for (const SetEntry& entry : set_.entries) {
+    if (sameName(entry.tag, tag)) compareEntry(entry, item, plan);
+  }
+  if (item.restorable) findExtraFiles(item, plan);
+  if (plan.steps.empty() && !item.problems.empty()) item.restorable = false;
+  items_.push_back(std::move(item));
+  plans_.push_back(std::move(plan));
+}
+
+// Damage makes the whole category stay as it is: a half restored one is nobody's state. What only
+// does not fit this Windows is left out and named.
+bool SetOffer::isWhole(const SetEntry& entry, RestoreItem& item) {
+  std::uint64_t size = 0;
+  std::uint64_t checksum = 0;
+  const Status status = measure(files_, inFolder(entry.file), size, checksum);
+  if (status == ERROR_SUCCESS && size == entry.size && checksum == entry.checksum) return true;
+  item.restorable = false;
+  const bool missing = status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND;
+  item.problems.push_back(status == ERROR_SUCCESS
+                              ? fmt::format("{}: it is not what was saved.", entry.file)
+                          : missing ? fmt::format("{}: it is missing.", entry.file)
+                                    : fmt::format("{}: {}.", entry.file, describeStatus(status)));
+  return false;
+}
+
+void SetOffer::compareEntry(const SetEntry& entry, RestoreItem& item, Plan& plan) {
+  switch (entry.kind) {
+    case Kind::Key:
+    case Kind::NoKey:
+      return compareKey(entry, item, plan);
+    default:
+      if (plan.category->copies == FileCopies::DialUp && sameName(entry.file, kPasswordsFile)) {
+        return comparePasswordLists(entry, item, plan);
+      }
+      return compareFile(entry, item, plan);
+  }
+}
+
+// The key that the entry may go to on this machine: that of its row, or one file type.
+bool SetOffer::keyFor(const SetEntry& entry, const Category& category, Step& step,
+                      std::string& why) {
+  const auto place = parseKeyPath(entry.place);
+  if (category.copies == FileCopies::FileTypes) {
+    const bool isType = place && place->root == HKEY_CLASSES_ROOT && !place->path.empty() &&
+                        place->path.find('\\') == std::string_view::npos &&
+                        sameName(entry.file, "FA\\" + associationFile(place->path));
+    if (!isType) {
+      why = fmt::format("{}: {} is no file type.", entry.file, entry.place);
+      return false;
+    }
+    step.root = place->root;
+    step.key = place->path;
+    return true;
+  }
+  for (const CategoryKey& row : categoryKeys(session_, category.tag)) {
+    if (!sameName(row.file, entry.file)) continue;
+    step.root = row.root;
+    step.key = row.key;
+    if (place && place->root == row.root && sameName(place->path, row.key)) return true;
+    why = fmt::format("{}: saved from {} of {}; this Windows keeps it in {}.", entry.file,
+                      entry.place, set_.windows.empty() ? "another Windows" : set_.windows,
+                      fullKeyName(row.root, row.key));
+    return false;
+  }
+  why = fmt::format("{}: this Windows has nothing of the kind.", entry.file);
+  return false;
+}
+
+void SetOffer::compareKey(const SetEntry& entry, RestoreItem& item, Plan& plan) {
+  Step step;
+  std::string why;
+  if (!keyFor(entry, *plan.category, step, why)) {
+    // That there was none of something that this Windows has not is no loss.
+    if (entry.kind == Kind::Key) item.problems.push_back(why);
+    return;
+  }
+  step.name = entry.file;
+  step.file = inFolder(entry.file);
+  if (entry.kind == Kind::NoKey) {
+    step.kind = Step::Kind::DeleteKey;
+    const OpenKey opened(session_.registry(), step.root, step.key, KEY_READ);
+    if (opened.status() == ERROR_FILE_NOT_FOUND) return;
+    add(item, {RestoreChange::Kind::DeletedKey, fullKeyName(step.root, step.key), "", "", ""});
+    plan.steps.push_back(std::move(step));
+    return;
+  }
+  if (!isWhole(entry, item)) return;
+  CompareOptions options;
+  options.extras = Extras::Remove;
+  options.root = step.root;
+  options.within = step.key;
+  options.source = entry.file;
+  const RegDifference difference =
+      compareRegFile(session_, step.file, options, [&](const RegChange& change) {
+        const auto shown = [](RegType type, const std::string& data, bool there) {
+          return there ? describeData(type, data) : std::string();
+        };
+        const bool isNew = change.kind == RegChange::Kind::NewValue;
+        const bool isChanged = change.kind == RegChange::Kind::ChangedValue;
+        const bool isGone = change.kind == RegChange::Kind::DeletedValue;
+        add(item, {kindOf(change.kind), fullKeyName(change.root, change.path), change.name,
+                   shown(change.typeBefore, change.before, isChanged || isGone),
+                   shown(change.typeAfter, change.after, isChanged || isNew)});
+        if (!change.extra) return;
+        step.extras.push_back(change);
+        step.extras.back().before.clear();
+      });
+  if (difference.status != ERROR_SUCCESS) {
+    item.problems.push_back(fmt::format("{}: {}.", entry.file, difference.message));
+  }
+  if (!difference.outside.empty()) {
+    item.problems.push_back(fmt::format("{}: it would also change {}, which is none of its keys.",
+                                        entry.file, difference.outside));
+  }
+  for (const std::string& problem : difference.problems) item.problems.push_back(problem);
+  if (difference.status != ERROR_SUCCESS || !difference.outside.empty() ||
+      !difference.problems.empty()) {
+    item.restorable = false;
+  }
+  if (difference.changes > 0) plan.steps.push_back(std::move(step));
+}
+
+void SetOffer::compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan) {
+  Step step;
+  std::string why;
+  if (!placeFor(session_, *plan.category, entry, step.place, why)) {
+    item.problems.push_back(why);
+    return;
+  }
+  step.name = entry.file;
+  step.file = inFolder(entry.file);
+  std::uint32_t present = 0;
+  const bool there = files_.attributes(step.place, present) == ERROR_SUCCESS;
+  if (entry.kind == Kind::Folder) {
+    step.kind = Step::Kind::MakeFolder;
+    step.attributes = static_cast<std::uint32_t>(entry.size) & kComparedAttributes;
+    if (there && (present & kComparedAttributes) == step.attributes) return;
+    add(item, {there ? RestoreChange::Kind::ChangedFile : RestoreChange::Kind::NewFile, step.place,
+               "", "", ""});
+  } else if (entry.kind == Kind::NoFile) {
+    step.kind = Step::Kind::DeleteFile;
+    if (!there) return;
+    add(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
+  } else {
+    step.kind = Step::Kind::PutFile;
+    if (!isWhole(entry, item)) return;
+    std::uint64_t size = 0;
+    std::uint64_t checksum = 0;
+    std::uint32_t wanted = 0;
+    files_.attributes(step.file, wanted);
+    const bool same = there && measure(files_, step.place, size, checksum) == ERROR_SUCCESS &&
+                      size == entry.size && checksum == entry.checksum &&
+                      ((present ^ wanted) & kComparedAttributes) == 0;
+    if (same) return;
+    add(item, {there ? RestoreChange::Kind::ChangedFile : RestoreChange::Kind::NewFile, step.place,
+               "", "", ""});
+  }
+  plan.steps.push_back(std::move(step));
+}
+
+// The lines of the section that the file keeps, by folded name.
+std::map<std::string, std::pair<std::string, std::string>> linesOf(std::string_view lines) {
+  std::map<std::string, std::pair<std::string, std::string>> result;
+  while (!lines.empty()) {
+    const std::string_view line = lines.substr(0, lines.find_first_of(std::string_view("\n\0", 2)));
+    lines.remove_prefix(std::min(lines.size(), line.size() + 1));
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) continue;
+    result[foldName(line.substr(0, equals))] = {std::string(line.substr(0, equals)),
+                                                std::string(line.substr(equals + 1))};
+  }
+  return result;
+}
+
+void SetOffer::comparePasswordLists(const SetEntry& entry, RestoreItem& item, Plan& plan) {
+  if (session_.g_bNT) {
+    item.problems.push_back(fmt::format("{}: this Windows keeps no password lists.", entry.file));
+    return;
+  }
+  if (!isWhole(entry, item)) return;
+  const auto wanted = linesOf(session_.machine().initFiles().GetPrivateProfileSectionA(
+      "Password Lists", inFolder(entry.file)));
+  if (wanted == linesOf(passwordLists(session_))) return;
+  Step step;
+  step.kind = Step::Kind::WritePasswordLists;
+  step.name = entry.file;
+  step.file = inFolder(entry.file);
+  step.place = session_.g_sWinDir + "system.ini";
+  add(item, {RestoreChange::Kind::ChangedFile, step.place, "", "", ""});
+  plan.steps.push_back(std::move(step));
+}
+
+// Where the set holds all there was of a kind, what came since is to go.
+void SetOffer::findExtraFiles(RestoreItem& item, Plan& plan) {
+  std::vector<SourceFile> present;
+  if (findFiles(session_, *plan.category, present) != ERROR_SUCCESS) return;
+  for (auto file = present.rbegin(); file != present.rend(); ++file) {
+    const auto same = [&](const SetEntry& entry) {
+      return sameName(entry.tag, item.name) && sameName(entry.file, file->file);
+    };
+    if (!ownsItsFolder(*plan.category, *file) || std::ranges::any_of(set_.entries, same)) continue;
+    Step step;
+    step.kind = Step::Kind::DeleteFile;
+    step.name = file->file;
+    step.place = file->place;
+    step.attributes = file->attributes;
+    add(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
+    plan.steps.push_back(std::move(step));
+  }
+}
+
+// Saves the present state of all that the chosen steps touch, as a set of its own.
+SaveOutcome SetOffer::keep(const std::vector<bool>& chosen, const Progress& progress) {
+  SaveJob job;
+  job.name = keeperName(set_.name);
+  job.folder = parentFolder(set_.folder) + '\\' + job.name;
+  if (parentFolder(set_.folder).back() == '\\') job.folder = parentFolder(set_.folder) + job.name;
+  job.allOrNothing = true;
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    if (!chosen[i] || plans_[i].steps.empty()) continue;
+    CategoryJob category;
+    Status status = jobFor(session_, *plans_[i].category, category);
+    if (status != ERROR_SUCCESS) {
+      SaveOutcome failed;
+      failed.status = status;
+      failed.message = describeStatus(status) + '.';
+      return failed;
+    }
+    category.fileTypes = false;
+    category.mayBeEmpty = true;
+    for (const SetEntry& entry : set_.entries) {
+      Step key;
+      std::string why;
+      const bool isType = plans_[i].category->copies == FileCopies::FileTypes;
+      if (isType && sameName(entry.tag, items_[i].name) &&
+          keyFor(entry, *plans_[i].category, key, why)) {
+        category.keys.push_back({key.root, key.key, entry.file});
+      }
+    }
+    for (const Step& step : plans_[i].steps) {
+      const auto same = [&](const SourceFile& file) { return sameName(file.place, step.place); };
+      const bool isFile = step.kind == Step::Kind::PutFile || step.kind == Step::Kind::DeleteFile;
+      if (!isFile || std::ranges::any_of(category.files, same)) continue;
+      std::string name = step.name;
+      const auto taken = [&](const SourceFile& file) { return sameName(file.file, name); };
+      for (int number = 2; std::ranges::any_of(category.files, taken); ++number) {
+        name = fmt::format("{}\\{}_{}", parentFolder(step.name), number, fileName(step.name));
+        if (name.front() == '\\') name.erase(0, 1);
+      }
+      category.files.push_back({step.place, name, step.attributes, 0});
+    }
+    job.categories.push_back(std::move(category));
+  }
+  return writeSet(session_, backer_, job, progress);
+}
+
+Status SetOffer::importKey(const Step& step, std::string& message) {
+  // Deepest first cannot be told from the list; a key that went with the one above it is no error.
+  for (const RegChange& extra : step.extras) {
+    Status status = extra.kind == RegChange::Kind::DeletedKey
+                        ? session_.regTool.DeleteRegNodes(extra.root, extra.path)
+                        : session_.regTool.DeleteRegValue(extra.root, extra.path, extra.name);
+    if (status == ERROR_FILE_NOT_FOUND) status = ERROR_SUCCESS;
+    if (status != ERROR_SUCCESS) {
+      message = fmt::format("{}: {}.", fullKeyName(extra.root, extra.path), describeStatus(status));
+      return status;
+    }
+  }
+  if (backer_.P_rbRestoreRegistryKey(step.file)) return ERROR_SUCCESS;
+  message = backer_.lastMessage();
+  return backer_.lastStatus();
+}
+
+Status SetOffer::writePasswordLists(const Step& step, Files& files) {
+  InitFiles& ini = session_.machine().initFiles();
+  // The way back: the profile functions know nothing of it.
+  std::string before;
+  Status status = files.read(step.place, before);
+  if (status == ERROR_SUCCESS) status = files.replace(step.place, before);
+  const auto wanted = linesOf(ini.GetPrivateProfileSectionA("Password Lists", step.file));
+  const auto present = linesOf(passwordLists(session_));
+  const auto write = [&](const std::string& name, std::optional<std::string_view> value) {
+    if (status == ERROR_SUCCESS) {
+      status = ini.WritePrivateProfileStringA("Password Lists", name, value, step.place);
+    }
+  };
+  for (const auto& [folded, line] : present) {
+    if (!wanted.contains(folded)) write(line.first, std::nullopt);
+  }
+  for (const auto& [folded, line] : wanted) {
+    const auto found = present.find(folded);
+    if (found == present.end() || found->second.second != line.second) {
+      write(line.first, line.second);
+    }
+  }
+  return status;
+}
+
+Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
+  Status status = ERROR_SUCCESS;
+  switch (step.kind) {
+    case Step::Kind::ImportKey:
+      return importKey(step, message);
+    case Step::Kind::DeleteKey:
+      status = session_.regTool.DeleteRegNodes(step.root, step.key);
+      break;
+    case Step::Kind::PutFile:
+      status = copyOver(files, step.file, step.place);
+      break;
+    case Step::Kind::DeleteFile:
+      if ((step.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        files.setAttributes(step.place, 0);
+        status = files.removeFolder(step.place);
+      } else {
+        status = removeFile(files, step.place);
+      }
+      break;
+    case Step::Kind::MakeFolder:
+      if (!files.exists(step.place)) status = files.createFolder(step.place);
+      if (status == ERROR_SUCCESS) status = files.setAttributes(step.place, step.attributes);
+      break;
+    case Step::Kind::WritePasswordLists:
+      status = writePasswordLists(step, files);
+      break;
+  }
+  if (status != ERROR_SUCCESS) {
+    message =
+        fmt::format("{}: {}.", step.place.empty() ? fullKeyName(step.root, step.key) : step.place,
+                    describeStatus(status));
+  }
+  return status;
+}
+
+RestoreOutcome SetOffer::restore(const std::vector<bool>& chosenItems, const Progress& progress) {
+  session_.trace.enter("[cmdRestore]");
+  RestoreOutcome outcome;
+  std::vector<bool> chosen = chosenItems;
+  chosen.resize(items_.size(), false);
+  std::size_t total = 0;
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    if (!items_[i].restorable) chosen[i] = false;
+    if (chosen[i]) total += plans_[i].steps.size();
+  }
+  if (total == 0) return outcome;
+  const auto fail = [&](Status status, const std::string& message) {
+    outcome.status = status;
+    outcome.cancelled = status == ERROR_CANCELLED;
+    outcome.message =
+        outcome.cancelled
+            ? "The restore was cancelled. Nothing was changed."
+            : fmt::format("{}{}Nothing was changed. Put the cause right and try again.", message,
+                          kCrLf);
+    return outcome;
+  };
+  const SaveOutcome kept =
+      keep(chosen, [&](int percent) { return !progress || progress(percent / 2); });
+  if (kept.status != ERROR_SUCCESS) {
+    return fail(kept.status, fmt::format("What would be overwritten could not be saved first.{}{}",
+                                         kCrLf, kept.message));
+  }
+  RegistryChange change(session_.registry());
+  FileChange files(files_);
+  Status status = change.status();
+  std::string message = status == ERROR_SUCCESS ? "" : describeStatus(status) + '.';
+  std::size_t done = 0;
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    for (const Step& step : plans_[i].steps) {
+      if (!chosen[i] || status != ERROR_SUCCESS) break;
+      status = doStep(step, files, message);
+      const auto percent = static_cast<int>(50 + 50 * ++done / total);
+      if (status == ERROR_SUCCESS && progress && !progress(percent)) status = ERROR_CANCELLED;
+    }
+  }
+  session_.trace.dump("lRetVal&", status);
+  if (status == ERROR_SUCCESS) status = change.commit();
+  if (status == ERROR_SUCCESS) status = session_.registry().flush();
+  if (status != ERROR_SUCCESS) {
+    if (message.empty()) message = session_.registry().lastRefusal();
+    return fail(status, message.empty() ? describeStatus(status) + '.' : message);
+  }
+  files.commit();
+  session_.g_bRebootNeeded = true;
+  outcome.savedAs = keeperName(set_.name);
+  return outcome;
+}
+
+}  // namespace
+
+std::string keeperName(const std::string& name) {
+  for (const auto& [ending, other] :
+       {std::pair{kBefore, kBeforeTakingBack}, std::pair{kBeforeTakingBack, kBefore}}) {
+    if (name.size() > ending.size() && name.ends_with(ending)) {
+      return name.substr(0, name.size() - ending.size()) + std::string(other);
+    }
+  }
+  return name + std::string(kBefore);
+}
+
+std::unique_ptr<RestoreOffer> offerSet(Session& session, RegistryBacker& backer,
+                                       const ConfigSet& set, const Progress& progress) {
+  auto offer = std::make_unique<SetOffer>(session, backer, set);
+  offer->compare(progress);
+  return offer;
+}
+
+}  // namespace korvex::backup
