@@ -44,6 +44,13 @@ Json controlJson(const forms::Control& control) {
             {"toolTip", control.ToolTipText.get()}};
   if (const auto* list = dynamic_cast<const forms::ListControl*>(&control)) {
     json["items"] = list->items();
+    if (const auto* marked = dynamic_cast<const forms::CheckList*>(list)) {
+      // One mark per item; null for one that cannot be checked.
+      json["marks"] = Json::array();
+      for (int i = 0; i < marked->ListCount(); ++i) {
+        json["marks"].push_back(marked->isCheckable(i) ? Json(marked->isChecked(i)) : Json());
+      }
+    }
   } else if (const auto* strip = dynamic_cast<const forms::TabStrip*>(&control)) {
     json["items"] = Json::array();
     for (const forms::Tab& tab : strip->tabs()) json["items"].push_back(tab.caption);
@@ -60,7 +67,15 @@ std::string controlLine(const forms::Control& control) {
   } else if (!control.Enabled) {
     line += "  (disabled)";
   }
-  return line + "\n";
+  line += '\n';
+  if (const auto* marked = dynamic_cast<const forms::CheckList*>(&control)) {
+    for (int i = 0; i < marked->ListCount(); ++i) {
+      const char mark = !marked->isCheckable(i) ? '-' : marked->isChecked(i) ? 'x' : ' ';
+      line += fmt::format("    [{}] {}\n", mark,
+                          printable(marked->items()[static_cast<std::size_t>(i)]));
+    }
+  }
+  return line;
 }
 
 ExitCode show(Context& context, const std::string& typed) {
@@ -99,6 +114,8 @@ void addRun(CLI::App& group, Run& run) {
       "\n"
       "Steps:\n"
       "  check=C  uncheck=C             tick or clear a check box (check= also sets an option)\n"
+      "  check=C:ITEM  uncheck=C:ITEM   tick or clear an item of a list, named by its text or by\n"
+      "                                 the beginning of it, up to a blank\n"
       "  type=C:TEXT                    type into a field\n"
       "  select=C:ITEM                  select an item of a list or a tab\n"
       "  press=C                        press a button\n"

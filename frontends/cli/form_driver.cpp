@@ -69,6 +69,22 @@ int indexOf(const std::vector<std::string>& items, const std::string& item) {
   return found == items.end() ? -1 : static_cast<int>(found - items.begin());
 }
 
+// Also by its beginning, up to a blank: items may go on with what they hold. -1 where none is
+// meant, or more than one.
+int itemMeant(const std::vector<std::string>& items, const std::string& typed) {
+  const int whole = indexOf(items, typed);
+  if (whole >= 0 || typed.empty()) return whole;
+  int found = -1;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const std::string& item = items[i];
+    if (item.size() <= typed.size() || item[typed.size()] != ' ') continue;
+    if (!platform::sameName(std::string_view(item).substr(0, typed.size()), typed)) continue;
+    if (found >= 0) return -1;
+    found = static_cast<int>(i);
+  }
+  return found;
+}
+
 void selectTab(forms::TabStrip& strip, const std::string& item) {
   std::vector<std::string> captions;
   std::vector<std::string> keys;
@@ -87,7 +103,7 @@ void select(const Form& form, const Step& step) {
   if (auto* strip = dynamic_cast<forms::TabStrip*>(&control)) {
     selectTab(*strip, step.text);
   } else if (auto* list = dynamic_cast<forms::ListControl*>(&control)) {
-    const int index = indexOf(list->items(), step.text);
+    const int index = itemMeant(list->items(), step.text);
     if (index < 0) noItem(control, step.text, list->items());
     list->ListIndex = index;
   } else {
@@ -97,10 +113,31 @@ void select(const Form& form, const Step& step) {
   }
 }
 
+void checkItem(forms::CheckList& list, const Step& step) {
+  if (step.text.empty()) {
+    throw Failure(ExitCode::Usage, "wrong-control",
+                  fmt::format("{} is a list: write {}:ITEM.", list.name(), step.typed));
+  }
+  const int index = itemMeant(list.items(), step.text);
+  if (index < 0) noItem(list, step.text, list.items());
+  if (!list.isCheckable(index)) {
+    throw cannotUse(list, fmt::format("'{}' cannot be checked.",
+                                      printable(list.items()[static_cast<std::size_t>(index)])));
+  }
+  list.setChecked(index, step.kind == Step::Kind::Check);
+}
+
 void check(Form& form, const Step& step) {
+  Control& control = usable(form, step.control);
+  if (auto* list = dynamic_cast<forms::CheckList*>(&control)) return checkItem(*list, step);
+  if (!step.text.empty()) {
+    throw Failure(ExitCode::Usage, "wrong-control",
+                  fmt::format("{} is a {}: it has no items to check.", control.name(),
+                              kindName(control.kind())));
+  }
   // An option button is checked by a click too, and unchecked by none.
   if (step.kind == Step::Kind::Check) {
-    if (auto* option = dynamic_cast<forms::OptionButton*>(&usable(form, step.control))) {
+    if (auto* option = dynamic_cast<forms::OptionButton*>(&control)) {
       option->Value = true;
       return;
     }

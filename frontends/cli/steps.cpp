@@ -13,15 +13,18 @@
 namespace korvex::cli {
 namespace {
 
+enum class Text { None, MayBe, Due };
 struct StepRow {
   std::string_view word;
   Step::Kind kind;
-  bool hasText;
+  Text text;
 };
 constexpr std::array kSteps{
-    StepRow{"check", Step::Kind::Check, false}, StepRow{"uncheck", Step::Kind::Uncheck, false},
-    StepRow{"type", Step::Kind::Type, true},    StepRow{"select", Step::Kind::Select, true},
-    StepRow{"press", Step::Kind::Press, false},
+    StepRow{"check", Step::Kind::Check, Text::MayBe},
+    StepRow{"uncheck", Step::Kind::Uncheck, Text::MayBe},
+    StepRow{"type", Step::Kind::Type, Text::Due},
+    StepRow{"select", Step::Kind::Select, Text::Due},
+    StepRow{"press", Step::Kind::Press, Text::None},
 };
 
 struct AnswerRow {
@@ -42,13 +45,12 @@ Failure badStep(const std::string& word, std::string_view why) {
 
 Step parseStep(const StepRow& row, const std::string& typed, const std::string& rest) {
   Step step{row.kind, rest, "", typed};
-  if (row.hasText) {
-    const std::size_t colon = rest.find(':');
-    if (colon == std::string::npos) {
-      throw badStep(typed, fmt::format("write {}=CONTROL:TEXT.", row.word));
-    }
+  const std::size_t colon = row.text == Text::None ? std::string::npos : rest.find(':');
+  if (colon != std::string::npos) {
     step.control = rest.substr(0, colon);
     step.text = rest.substr(colon + 1);
+  } else if (row.text == Text::Due) {
+    throw badStep(typed, fmt::format("write {}=CONTROL:TEXT.", row.word));
   }
   if (step.control.empty()) throw badStep(typed, "it names no control.");
   return step;
@@ -87,8 +89,9 @@ Script parseSteps(const std::vector<std::string>& words) {
                                      [&word](const AnswerRow& row) { return row.word == word; });
     if (equals == std::string::npos || (step == kSteps.end() && answer == kAnswers.end())) {
       throw badStep(typed,
-                    "use check=C, uncheck=C, type=C:TEXT, select=C:ITEM, press=C, "
-                    "answer=yes|no|ok|cancel, input=TEXT, file=PATH or folder=PATH.");
+                    "use check=C, uncheck=C, check=C:ITEM, uncheck=C:ITEM, type=C:TEXT, "
+                    "select=C:ITEM, press=C, answer=yes|no|ok|cancel, input=TEXT, file=PATH or "
+                    "folder=PATH.");
     }
     if (step != kSteps.end()) {
       script.steps.push_back(parseStep(*step, typed, rest));

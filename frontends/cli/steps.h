@@ -13,7 +13,7 @@ struct Step {
   enum class Kind { Check, Uncheck, Type, Select, Press };
   Kind kind = Kind::Press;
   std::string control;
-  std::string text;   // Type, Select
+  std::string text;   // Type, Select; of Check and Uncheck the item, "" for a box of its own
   std::string typed;  // the whole step, for messages
 };
 
