@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "dialogs/frm_about.h"
+#include "dialogs/frm_restore.h"
 #include "dialogs/system/frm_more_security.h"
 #include "main_window/frm_main.h"
 
@@ -42,6 +43,7 @@ constexpr std::array kForms{FormRow{kMainWindow, "The main window"},
                             kRowsDialogs[1].form,
                             kRowsDialogs[2].form,
                             kRowsDialogs[3].form,
+                            FormRow{dialogs::frmRestore::kName, "What a restore would change"},
                             FormRow{dialogs::frmAbout::kName, "Version and machine"}};
 
 constexpr int kExitDone = 0;
@@ -71,6 +73,8 @@ void Program::addDialogs(const dialogs::DialogParts& parts) {
                                                     dialog.bank, parts);
     });
   }
+  formBook_.add(dialogs::frmRestore::kName,
+                [this] { return std::make_unique<dialogs::frmRestore>(session_, restoreDesk_); });
   formBook_.add(dialogs::frmAbout::kName,
                 [this] { return std::make_unique<dialogs::frmAbout>(session_); });
 }

@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 
+#include "backup/restore_offer.h"
 #include "dialogs/tweak_dialog.h"
 #include "engine/pending_changes.h"
 #include "engine/reg_worker.h"
@@ -49,11 +50,13 @@ class Program {
   forms::FormBook& formBook() { return formBook_; }
   engine::RegWorker& regWorker() { return regWorker_; }
   engine::PendingChanges& pendingChanges() { return pendingChanges_; }
+  backup::RestoreDesk& restoreDesk() { return restoreDesk_; }
 
  private:
   void addDialogs(const dialogs::DialogParts& parts);
 
   foundation::Session session_;
+  backup::RestoreDesk restoreDesk_;  // outlives the forms
   forms::FormBook formBook_;
   engine::RegWorker regWorker_;
   engine::PendingChanges pendingChanges_;
