@@ -127,7 +127,8 @@ Status findDialUp(Session& session, const Category& category, std::vector<Source
       add(session, category, folder + '\\' + entry.name, files);
     }
   }
-  for (std::string_view rest = passwordLists(session); !rest.empty();) {
+  const std::string lines = passwordLists(session);
+  for (std::string_view rest = lines; !rest.empty();) {
     const std::string line(rest.substr(0, rest.find('\n')));
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     const std::size_t equals = line.find('=');

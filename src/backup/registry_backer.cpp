@@ -113,7 +113,8 @@ RegistryBacker::Export RegistryBacker::prepare(const KeyBackup& backup) {
                   fmt::format("{}: the registry editor takes no quotation mark in a key.", key));
   }
   one.file = mappedPath(backup.file);
-  const auto [folder, name] = splitPath(p_rbParseForShortFileNames(one.file));
+  const std::string target = p_rbParseForShortFileNames(one.file);
+  const auto [folder, name] = splitPath(target);
   const std::string stem = stemOf(name);
   Files& files = session_.files();
   for (int number = 0; one.temporary.empty(); ++number) {
