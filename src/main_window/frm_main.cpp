@@ -226,6 +226,11 @@ bool frmMain::mayDiscard() {
   return discardAgreed_;
 }
 
+void frmMain::openSet(const std::string& profile) {
+  setToOpen = "";
+  setToOpen = profile;
+}
+
 bool frmMain::QueryUnload() {
   if (startResult_ != StartResult::Started) return true;
   if (!session_.endRequested() && !mayDiscard()) return false;

@@ -36,6 +36,11 @@ class frmMain : public forms::Form {
   // Anything but Started after Load: the program is to end, and closing writes nothing.
   StartResult startResult() const { return startResult_; }
 
+  // The Windows path of a profile.kvx that the person wants to see; told also where it is the same
+  // one again.
+  void openSet(const std::string& profile);
+  forms::Property<std::string> setToOpen;
+
   forms::TabStrip tabMain{*this, "tabMain", MainPages::tabs()};
   forms::CommandButton cmdAbout{*this, "cmdAbout", "A&bout"};
   forms::CommandButton cmdDefaults{*this, "cmdDefaults", "D&efaults"};

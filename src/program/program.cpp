@@ -103,6 +103,10 @@ bool Program::finish() {
   return formBook_.unload(kMainWindow);
 }
 
+void Program::openSet(const std::string& profile) {
+  dynamic_cast<frmMain&>(formBook_.load(kMainWindow)).openSet(profile);
+}
+
 int Program::run(forms::FormHost& host) {
   formBook_.setHost(&host);
   switch (start()) {

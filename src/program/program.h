@@ -5,6 +5,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "backup/restore_offer.h"
@@ -42,6 +43,9 @@ class Program {
   StartResult start();
   // Closes the main window as its close button does. False where it refuses to go.
   bool finish();
+  // Shows a saved set, given by the Windows path of its profile.kvx, in the main window; once that
+  // has started.
+  void openSet(const std::string& profile);
   // For a front end with a screen: start, show the main window until it goes, finish. The program's
   // exit code: 0, or 4 for a second instance, 5 where start-up refused.
   int run(forms::FormHost& host);
