@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "backup/config_set.h"
 #include "engine/apply.h"
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
@@ -163,15 +164,7 @@ void CommandButtons::p_DetermineDefaultPrintSpoolDir() {
       forms::captionOf(session_.regTool.GetRegStr(kPrinters, kSpoolDirectory, HKEY_LOCAL_MACHINE));
 }
 
-// As the registry has it it may be a name below the program's own folder.
-void CommandButtons::showRegPath() {
-  const std::string stored =
-      session_.regTool.GetRegStr(kConfiguration, kRegPath, HKEY_LOCAL_MACHINE);
-  const bool isWhole = stored.size() > 1 && (stored[1] == ':' || stored.starts_with("\\\\"));
-  txtRegPath_.Text =
-      isWhole ? stored
-              : fmt::format("{}\\{}", session_.g_sAppPath, stored.empty() ? "Registry" : stored);
-}
+void CommandButtons::showRegPath() { txtRegPath_.Text = backup::saveFolder(session_); }
 
 void CommandButtons::cmdMoreSecurity_Click() { formBook_.showModal("frmMoreSecurity"); }
 

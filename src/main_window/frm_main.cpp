@@ -60,7 +60,8 @@ std::string machineText(platform::Machine& machine) {
 }  // namespace
 
 frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
-                 engine::PendingChanges& pending, forms::FormBook& formBook, StartOptions options)
+                 engine::PendingChanges& pending, forms::FormBook& formBook,
+                 const BackupParts& backup, StartOptions options)
     : Form(kName, kCaption),
       session_(session),
       regWorker_(regWorker),
@@ -74,7 +75,7 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
   cmdAbout.ToolTipText = "Version, and the machine that is tuned";
   cmdDefaults.ToolTipText = "Reset every setting to what Windows had";
   cmdDone.ToolTipText = "Leave Korvex; changes that were not applied are discarded";
-  makeSections(formBook);
+  makeSections(formBook, backup);
   layout =
       Layout::column({pages_.layout(tabMain, sections_),
                       Layout::row({Layout::of(cmdAbout), Layout::of(cmdDefaults), Layout::space(),
@@ -83,10 +84,15 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
   connect();
 }
 
-void frmMain::makeSections(forms::FormBook& formBook) {
+void frmMain::makeSections(forms::FormBook& formBook, const BackupParts& backup) {
   sections_.push_back(std::make_unique<CommandButtons>(*this, session_, formBook));
   sections_.push_back(std::make_unique<BootOptions>(*this, session_, [this] { edited(); }));
   sections_.push_back(std::make_unique<OfficePage>(*this, session_));
+  auto registryPage = std::make_unique<RegistryPage>(
+      *this, session_, formBook, backup,
+      RegistryPage::Hooks{[this] { return changesWaiting(); }, [this] { readAgain(); }});
+  registryPage_ = registryPage.get();
+  sections_.push_back(std::move(registryPage));
 }
 
 void frmMain::connect() {
@@ -139,6 +145,14 @@ void frmMain::readMachine() {
     trap("p_DetermineSettings", [&section] { section->load(); });
   }
   fields_.load();
+}
+
+void frmMain::readAgain() {
+  readOptions(session_);
+  session_.g_bNoRecord = true;
+  readMachine();
+  session_.g_bNoRecord = false;
+  cmdApply.Enabled = false;
 }
 
 // With the option NoSaveTab every run begins on the first page.
@@ -197,11 +211,7 @@ void frmMain::cmdDefaults_Click() {
     const std::string sentence = section->restoreDefaults();
     if (!sentence.empty()) text += fmt::format("{}{}", foundation::kCrLf, sentence);
   }
-  readOptions(session_);
-  session_.g_bNoRecord = true;
-  readMachine();
-  session_.g_bNoRecord = false;
-  cmdApply.Enabled = false;
+  readAgain();
   Progress = -1;
   Busy = false;
   showStatus();
@@ -227,8 +237,8 @@ bool frmMain::mayDiscard() {
 }
 
 void frmMain::openSet(const std::string& profile) {
-  setToOpen = "";
-  setToOpen = profile;
+  tabMain.SelectedItem = static_cast<int>(engine::Page::Registry);
+  trap("p_cboSavesClickEvent", [&] { registryPage_->open(profile); });
 }
 
 bool frmMain::QueryUnload() {

@@ -17,6 +17,7 @@
 #include "foundation/session.h"
 #include "main_window/main_pages.h"
 #include "main_window/page_section.h"
+#include "main_window/registry_page.h"
 #include "main_window/start_up.h"
 #include "main_window/text_fields.h"
 
@@ -28,7 +29,8 @@ class frmMain : public forms::Form {
   static constexpr const char* kCaption = "Korvex...for Power Users - ";
 
   frmMain(foundation::Session& session, engine::RegWorker& regWorker,
-          engine::PendingChanges& pending, forms::FormBook& formBook, StartOptions options);
+          engine::PendingChanges& pending, forms::FormBook& formBook, const BackupParts& backup,
+          StartOptions options);
 
   void Load() override;
   bool QueryUnload() override;
@@ -36,10 +38,8 @@ class frmMain : public forms::Form {
   // Anything but Started after Load: the program is to end, and closing writes nothing.
   StartResult startResult() const { return startResult_; }
 
-  // The Windows path of a profile.kvx that the person wants to see; told also where it is the same
-  // one again.
+  // Shows the set of a profile.kvx, by its Windows path, on the page "Registry".
   void openSet(const std::string& profile);
-  forms::Property<std::string> setToOpen;
 
   forms::TabStrip tabMain{*this, "tabMain", MainPages::tabs()};
   forms::CommandButton cmdAbout{*this, "cmdAbout", "A&bout"};
@@ -48,7 +48,9 @@ class frmMain : public forms::Form {
   forms::CommandButton cmdDone{*this, "cmdDone", "&Done"};
 
  private:
-  void makeSections(forms::FormBook& formBook);
+  void makeSections(forms::FormBook& formBook, const BackupParts& backup);
+  // The same after something else has changed the machine.
+  void readAgain();
   void connect();
   void cmdApply_Click();
   void cmdDone_Click();
@@ -74,6 +76,7 @@ class frmMain : public forms::Form {
   MainPages pages_;
   TextFields fields_;
   std::vector<std::unique_ptr<PageSection>> sections_;
+  RegistryPage* registryPage_ = nullptr;  // one of them
   StartResult startResult_ = StartResult::NotYet;
   bool discardAgreed_ = false;
   std::string machineText_;

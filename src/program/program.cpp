@@ -56,10 +56,13 @@ std::span<const FormRow> Program::forms() { return kForms; }
 
 Program::Program(platform::Machine& machine, platform::Prompts& prompts, StartOptions options)
     : session_(machine, prompts),
+      registryBacker_(session_),
       regWorker_(session_, formBook_),
       pendingChanges_(session_, formBook_) {
   formBook_.add(std::string(kMainWindow), [this, options] {
-    return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, formBook_, options);
+    return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, formBook_,
+                                     main_window::BackupParts{registryBacker_, restoreDesk_},
+                                     options);
   });
   addDialogs({session_, regWorker_, pendingChanges_, options.askBeforeDiscarding});
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "backup/registry_backer.h"
 #include "backup/restore_offer.h"
 #include "dialogs/tweak_dialog.h"
 #include "engine/pending_changes.h"
@@ -54,12 +55,14 @@ class Program {
   forms::FormBook& formBook() { return formBook_; }
   engine::RegWorker& regWorker() { return regWorker_; }
   engine::PendingChanges& pendingChanges() { return pendingChanges_; }
+  backup::RegistryBacker& registryBacker() { return registryBacker_; }
   backup::RestoreDesk& restoreDesk() { return restoreDesk_; }
 
  private:
   void addDialogs(const dialogs::DialogParts& parts);
 
   foundation::Session session_;
+  backup::RegistryBacker registryBacker_;
   backup::RestoreDesk restoreDesk_;  // outlives the forms
   forms::FormBook formBook_;
   engine::RegWorker regWorker_;
