@@ -303,7 +303,8 @@ void FormView::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void FormView::scrollToFocus(QWidget* focused) {
-  if (focused == nullptr || !isAncestorOf(focused)) return;
+  // A widget is its own ancestor; the window itself has the focus where no control can have it.
+  if (focused == nullptr || focused == this || !isAncestorOf(focused)) return;
   for (QWidget* outer = focused->parentWidget(); outer != this; outer = outer->parentWidget()) {
     if (auto* page = dynamic_cast<PageArea*>(outer)) page->ensureWidgetVisible(focused);
   }
