@@ -87,7 +87,8 @@ const char* RegTextWriter::beginKey(std::string_view fullName) {
   return emit();
 }
 
-const char* RegTextWriter::value(std::string_view name, RegType type, std::string_view data) {
+// The line as far as the sign.
+const char* RegTextWriter::beginValue(std::string_view name) {
   if (holdsLineBreak(name)) return kLineBreakInName;
   line_.clear();
   if (name.empty()) {
@@ -96,6 +97,11 @@ const char* RegTextWriter::value(std::string_view name, RegType type, std::strin
     appendQuoted(name, line_);
   }
   line_ += '=';
+  return nullptr;
+}
+
+const char* RegTextWriter::value(std::string_view name, RegType type, std::string_view data) {
+  if (const char* trouble = beginValue(name)) return trouble;
   if (const char* trouble = appendData(type, data)) return trouble;
   line_ += kLineEnd;
   return emit();
@@ -104,6 +110,18 @@ const char* RegTextWriter::value(std::string_view name, RegType type, std::strin
 void RegTextWriter::endKey() {
   line_ = kLineEnd;
   emit();
+}
+
+const char* RegTextWriter::deleteKey(std::string_view fullName) {
+  if (holdsLineBreak(fullName)) return kLineBreakInName;
+  line_.assign("[-").append(fullName).append("]").append(kLineEnd);
+  return emit();
+}
+
+const char* RegTextWriter::deleteValue(std::string_view name) {
+  if (const char* trouble = beginValue(name)) return trouble;
+  line_.append("-").append(kLineEnd);
+  return emit();
 }
 
 const char* RegTextWriter::appendData(RegType type, std::string_view data) {

@@ -26,12 +26,16 @@ class RegTextWriter {
   const char* beginKey(std::string_view fullName);
   const char* value(std::string_view name, RegType type, std::string_view data);
   void endKey();
+  // Lines that delete: "[-KEY]", and "NAME"=- below a key.
+  const char* deleteKey(std::string_view fullName);
+  const char* deleteValue(std::string_view name);
 
   // What was built since the last clear().
   std::string_view bytes() const { return bytes_; }
   void clear() { bytes_.clear(); }
 
  private:
+  const char* beginValue(std::string_view name);
   const char* appendData(RegType type, std::string_view data);
   void appendHex(RegType type, std::string_view data);
   bool textBytes(std::string_view text, std::string& bytes) const;
