@@ -46,6 +46,8 @@ struct AssociationOutcome {
   };
   std::vector<Failed> failed;
   std::vector<KeyBackup> keys;  // what was written, a class that several types share once
+  // Classes that an extension names and that are not there: there was nothing to save.
+  std::vector<KeyBackup> missing;
 };
 
 // Saves the key of each extension and of its class into the folder, which is made where it is
@@ -56,6 +58,10 @@ AssociationOutcome exportAssociations(foundation::Session& session, RegistryBack
 
 // What is saved in a folder, by extension.
 std::vector<FileType> savedAssociations(foundation::Session& session, const std::string& folder);
+
+// The folder below the association folder in which a restore from `folder` first saves what it
+// overwrites: "Before restore", or "Before taking back" where it restores from that one itself.
+std::string keeperFolder(const foundation::Session& session, const std::string& folder);
 
 // What restoring these would change, type by type. What it overwrites is first saved below the
 // folder.

@@ -11,7 +11,7 @@
 #include "backup/associations.h"
 #include "backup/category_files.h"
 #include "backup/folder_tree.h"
-#include "backup/reg_difference.h"
+#include "backup/key_restore.h"
 #include "backup/set_writer.h"
 #include "platform/file_change.h"
 #include "platform/text/reg_names.h"
@@ -32,32 +32,15 @@ constexpr std::string_view kBeforeTakingBack = " (before taking back)";
 constexpr std::uint32_t kComparedAttributes =
     FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 
-RestoreChange::Kind kindOf(RegChange::Kind kind) {
-  switch (kind) {
-    case RegChange::Kind::NewKey:
-      return RestoreChange::Kind::NewKey;
-    case RegChange::Kind::DeletedKey:
-      return RestoreChange::Kind::DeletedKey;
-    case RegChange::Kind::NewValue:
-      return RestoreChange::Kind::NewValue;
-    case RegChange::Kind::ChangedValue:
-      return RestoreChange::Kind::ChangedValue;
-    default:
-      return RestoreChange::Kind::DeletedValue;
-  }
-}
-
 // One step of a restore, ready to be done.
 struct Step {
-  enum class Kind { ImportKey, DeleteKey, PutFile, DeleteFile, MakeFolder, WritePasswordLists };
-  Kind kind = Kind::ImportKey;
-  HKEY root = 0;
-  std::string key;
+  enum class Kind { RestoreKey, PutFile, DeleteFile, MakeFolder, WritePasswordLists };
+  Kind kind = Kind::RestoreKey;
+  KeyRestore key;
   std::string file;   // in the set, in full
   std::string place;  // of a file
   std::string name;   // in the set, for the keeper
   std::uint32_t attributes = 0;
-  std::vector<RegChange> extras;  // to be deleted before the import
 };
 
 struct Plan {
@@ -93,19 +76,14 @@ class SetOffer : public RestoreOffer {
   void compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan);
   void comparePasswordLists(const SetEntry& entry, RestoreItem& item, Plan& plan);
   void findExtraFiles(RestoreItem& item, Plan& plan);
-  bool keyFor(const SetEntry& entry, const Category& category, Step& step, std::string& why);
+  bool keyFor(const SetEntry& entry, const Category& category, KeyRestore& key, std::string& why);
   bool isWhole(const SetEntry& entry, RestoreItem& item);
   std::string inFolder(std::string_view file) const {
     return fmt::format("{}\\{}", set_.folder, file);
   }
-  static void add(RestoreItem& item, RestoreChange change) {
-    ++item.changeCount;
-    if (item.changes.size() < RestoreItem::kMostChanges) item.changes.push_back(std::move(change));
-  }
 
   SaveOutcome keep(const std::vector<bool>& chosen, const Progress& progress);
   Status doStep(const Step& step, Files& files, std::string& message);
-  Status importKey(const Step& step, std::string& message);
   Status writePasswordLists(const Step& step, Files& files);
 
   Session& session_;
@@ -161,7 +139,7 @@ void SetOffer::compareEntry(const SetEntry& entry, RestoreItem& item, Plan& plan
 }
 
 // The key that the entry may go to on this machine: that of its row, or one file type.
-bool SetOffer::keyFor(const SetEntry& entry, const Category& category, Step& step,
+bool SetOffer::keyFor(const SetEntry& entry, const Category& category, KeyRestore& key,
                       std::string& why) {
   const auto place = parseKeyPath(entry.place);
   if (category.copies == FileCopies::FileTypes) {
@@ -172,14 +150,14 @@ bool SetOffer::keyFor(const SetEntry& entry, const Category& category, Step& ste
       why = fmt::format("{}: {} is no file type.", entry.file, entry.place);
       return false;
     }
-    step.root = place->root;
-    step.key = place->path;
+    key.root = place->root;
+    key.key = place->path;
     return true;
   }
   for (const CategoryKey& row : categoryKeys(session_, category.tag)) {
     if (!sameName(row.file, entry.file)) continue;
-    step.root = row.root;
-    step.key = row.key;
+    key.root = row.root;
+    key.key = row.key;
     if (place && place->root == row.root && sameName(place->path, row.key)) return true;
     why = fmt::format("{}: saved from {} of {}; this Windows keeps it in {}.", entry.file,
                       entry.place, set_.windows.empty() ? "another Windows" : set_.windows,
@@ -193,55 +171,16 @@ bool SetOffer::keyFor(const SetEntry& entry, const Category& category, Step& ste
 void SetOffer::compareKey(const SetEntry& entry, RestoreItem& item, Plan& plan) {
   Step step;
   std::string why;
-  if (!keyFor(entry, *plan.category, step, why)) {
+  if (!keyFor(entry, *plan.category, step.key, why)) {
     // That there was none of something that this Windows has not is no loss.
     if (entry.kind == Kind::Key) item.problems.push_back(why);
     return;
   }
-  step.name = entry.file;
-  step.file = inFolder(entry.file);
-  if (entry.kind == Kind::NoKey) {
-    step.kind = Step::Kind::DeleteKey;
-    const OpenKey opened(session_.registry(), step.root, step.key, KEY_READ);
-    if (opened.status() == ERROR_FILE_NOT_FOUND) return;
-    add(item, {RestoreChange::Kind::DeletedKey, fullKeyName(step.root, step.key), "", "", ""});
-    plan.steps.push_back(std::move(step));
-    return;
+  if (entry.kind == Kind::Key) {
+    if (!isWhole(entry, item)) return;
+    step.key.file = inFolder(entry.file);
   }
-  if (!isWhole(entry, item)) return;
-  CompareOptions options;
-  options.extras = Extras::Remove;
-  options.root = step.root;
-  options.within = step.key;
-  options.source = entry.file;
-  const RegDifference difference =
-      compareRegFile(session_, step.file, options, [&](const RegChange& change) {
-        const auto shown = [](RegType type, const std::string& data, bool there) {
-          return there ? describeData(type, data) : std::string();
-        };
-        const bool isNew = change.kind == RegChange::Kind::NewValue;
-        const bool isChanged = change.kind == RegChange::Kind::ChangedValue;
-        const bool isGone = change.kind == RegChange::Kind::DeletedValue;
-        add(item, {kindOf(change.kind), fullKeyName(change.root, change.path), change.name,
-                   shown(change.typeBefore, change.before, isChanged || isGone),
-                   shown(change.typeAfter, change.after, isChanged || isNew)});
-        if (!change.extra) return;
-        step.extras.push_back(change);
-        step.extras.back().before.clear();
-      });
-  if (difference.status != ERROR_SUCCESS) {
-    item.problems.push_back(fmt::format("{}: {}.", entry.file, difference.message));
-  }
-  if (!difference.outside.empty()) {
-    item.problems.push_back(fmt::format("{}: it would also change {}, which is none of its keys.",
-                                        entry.file, difference.outside));
-  }
-  for (const std::string& problem : difference.problems) item.problems.push_back(problem);
-  if (difference.status != ERROR_SUCCESS || !difference.outside.empty() ||
-      !difference.problems.empty()) {
-    item.restorable = false;
-  }
-  if (difference.changes > 0) plan.steps.push_back(std::move(step));
+  if (compareSavedKey(session_, step.key, entry.file, item)) plan.steps.push_back(std::move(step));
 }
 
 void SetOffer::compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan) {
@@ -259,12 +198,12 @@ void SetOffer::compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan)
     step.kind = Step::Kind::MakeFolder;
     step.attributes = static_cast<std::uint32_t>(entry.size) & kComparedAttributes;
     if (there && (present & kComparedAttributes) == step.attributes) return;
-    add(item, {there ? RestoreChange::Kind::ChangedFile : RestoreChange::Kind::NewFile, step.place,
-               "", "", ""});
+    addChange(item, {there ? RestoreChange::Kind::ChangedFile : RestoreChange::Kind::NewFile,
+                     step.place, "", "", ""});
   } else if (entry.kind == Kind::NoFile) {
     step.kind = Step::Kind::DeleteFile;
     if (!there) return;
-    add(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
+    addChange(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
   } else {
     step.kind = Step::Kind::PutFile;
     if (!isWhole(entry, item)) return;
@@ -276,8 +215,8 @@ void SetOffer::compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan)
                       size == entry.size && checksum == entry.checksum &&
                       ((present ^ wanted) & kComparedAttributes) == 0;
     if (same) return;
-    add(item, {there ? RestoreChange::Kind::ChangedFile : RestoreChange::Kind::NewFile, step.place,
-               "", "", ""});
+    addChange(item, {there ? RestoreChange::Kind::ChangedFile : RestoreChange::Kind::NewFile,
+                     step.place, "", "", ""});
   }
   plan.steps.push_back(std::move(step));
 }
@@ -310,7 +249,7 @@ void SetOffer::comparePasswordLists(const SetEntry& entry, RestoreItem& item, Pl
   step.name = entry.file;
   step.file = inFolder(entry.file);
   step.place = session_.g_sWinDir + "system.ini";
-  add(item, {RestoreChange::Kind::ChangedFile, step.place, "", "", ""});
+  addChange(item, {RestoreChange::Kind::ChangedFile, step.place, "", "", ""});
   plan.steps.push_back(std::move(step));
 }
 
@@ -328,7 +267,7 @@ void SetOffer::findExtraFiles(RestoreItem& item, Plan& plan) {
     step.name = file->file;
     step.place = file->place;
     step.attributes = file->attributes;
-    add(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
+    addChange(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
     plan.steps.push_back(std::move(step));
   }
 }
@@ -353,7 +292,7 @@ SaveOutcome SetOffer::keep(const std::vector<bool>& chosen, const Progress& prog
     category.fileTypes = false;
     category.mayBeEmpty = true;
     for (const SetEntry& entry : set_.entries) {
-      Step key;
+      KeyRestore key;
       std::string why;
       const bool isType = plans_[i].category->copies == FileCopies::FileTypes;
       if (isType && sameName(entry.tag, items_[i].name) &&
@@ -376,23 +315,6 @@ SaveOutcome SetOffer::keep(const std::vector<bool>& chosen, const Progress& prog
     job.categories.push_back(std::move(category));
   }
   return writeSet(session_, backer_, job, progress);
-}
-
-Status SetOffer::importKey(const Step& step, std::string& message) {
-  // Deepest first cannot be told from the list; a key that went with the one above it is no error.
-  for (const RegChange& extra : step.extras) {
-    Status status = extra.kind == RegChange::Kind::DeletedKey
-                        ? session_.regTool.DeleteRegNodes(extra.root, extra.path)
-                        : session_.regTool.DeleteRegValue(extra.root, extra.path, extra.name);
-    if (status == ERROR_FILE_NOT_FOUND) status = ERROR_SUCCESS;
-    if (status != ERROR_SUCCESS) {
-      message = fmt::format("{}: {}.", fullKeyName(extra.root, extra.path), describeStatus(status));
-      return status;
-    }
-  }
-  if (backer_.P_rbRestoreRegistryKey(step.file)) return ERROR_SUCCESS;
-  message = backer_.lastMessage();
-  return backer_.lastStatus();
 }
 
 Status SetOffer::writePasswordLists(const Step& step, Files& files) {
@@ -423,11 +345,8 @@ Status SetOffer::writePasswordLists(const Step& step, Files& files) {
 Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
   Status status = ERROR_SUCCESS;
   switch (step.kind) {
-    case Step::Kind::ImportKey:
-      return importKey(step, message);
-    case Step::Kind::DeleteKey:
-      status = session_.regTool.DeleteRegNodes(step.root, step.key);
-      break;
+    case Step::Kind::RestoreKey:
+      return restoreSavedKey(session_, backer_, step.key, message);
     case Step::Kind::PutFile:
       status = copyOver(files, step.file, step.place);
       break;
@@ -448,9 +367,7 @@ Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
       break;
   }
   if (status != ERROR_SUCCESS) {
-    message =
-        fmt::format("{}: {}.", step.place.empty() ? fullKeyName(step.root, step.key) : step.place,
-                    describeStatus(status));
+    message = fmt::format("{}: {}.", step.place, describeStatus(status));
   }
   return status;
 }

@@ -279,10 +279,13 @@ class SetWriter {
       reason = fmt::format("{}: {}", result.failed.front().extension, result.failed.front().reason);
       return ERROR_GEN_FAILURE;
     }
-    for (const KeyBackup& key : result.keys) {
-      const Status status = record(job, SetEntry::Kind::Key, "FA\\" + fileName(key.file),
-                                   fullKeyName(key.root, key.subKey));
-      if (status != ERROR_SUCCESS) return status;
+    for (const auto& [kind, keys] : {std::pair{SetEntry::Kind::Key, &result.keys},
+                                     std::pair{SetEntry::Kind::NoKey, &result.missing}}) {
+      for (const KeyBackup& key : *keys) {
+        const Status status =
+            record(job, kind, "FA\\" + fileName(key.file), fullKeyName(key.root, key.subKey));
+        if (status != ERROR_SUCCESS) return status;
+      }
     }
     return ERROR_SUCCESS;
   }
