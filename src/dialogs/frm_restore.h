@@ -29,7 +29,7 @@ class frmRestore : public forms::Form {
   forms::CommandButton cmdClearAll{*this, "cmdClearAll", "C&lear All"};
   forms::TextBox txtChanges{
       *this, "txtChanges", {.widthInCharacters = 60, .multiLine = true, .readOnly = true}};
-  forms::Label lblChanges{*this, "lblChanges", "", &txtChanges};
+  forms::Label lblChanges{*this, "lblChanges", "C&hanges:", &txtChanges};
   forms::Label lblSavedFirst{*this, "lblSavedFirst", ""};
   forms::CommandButton cmdRestore{*this, "cmdRestore", "&Restore"};
   forms::CommandButton cmdCancel{*this, "cmdCancel", "&Cancel", forms::CommandButton::Role::Cancel};

@@ -2,55 +2,16 @@
 #include "dialogs/frm_restore.h"
 
 #include "dialogs/dialog_fixture.h"
+#include "support/test_offer.h"
 
 namespace korvex::dialogs {
 namespace {
 
-using backup::RestoreChange;
 using backup::RestoreItem;
-using backup::RestoreOutcome;
-using platform::Status;
-using Kind = RestoreChange::Kind;
-
-// An offer that remembers what it was asked to do.
-class TestOffer : public backup::RestoreOffer {
- public:
-  explicit TestOffer(std::vector<RestoreItem> items) : items_(std::move(items)) {}
-  std::string question() const override { return "Restore the selected settings for R&D?"; }
-  const std::vector<RestoreItem>& items() const override { return items_; }
-  RestoreOutcome restore(const std::vector<bool>& chosen,
-                         const backup::Progress& progress) override {
-    asked.push_back(chosen);
-    wentOn = progress(50);
-    if (during) during();
-    if (!progress(50)) return {Status{0}, "", "", true};
-    return outcome;
-  }
-
-  std::vector<std::vector<bool>> asked;
-  bool wentOn = false;
-  RestoreOutcome outcome;
-  std::function<void()> during;
-
- private:
-  std::vector<RestoreItem> items_;
-};
-
-const std::string kDesktopKey = "HKEY_CURRENT_USER\\Control Panel\\Desktop";
-
-std::vector<RestoreItem> someItems() {
-  RestoreItem desktop{"DesktopConfig", "Desktop configuration", true, {}, {}, 0};
-  desktop.changes = {{Kind::ChangedValue, kDesktopKey, "Wallpaper", "REG_SZ \"a\"", "REG_SZ \"b\""},
-                     {Kind::NewKey, kDesktopKey + "\\New", "", "", ""},
-                     {Kind::NewValue, kDesktopKey + "\\New", "", "", "REG_DWORD 0x1"},
-                     {Kind::DeletedValue, kDesktopKey, "Old", "REG_SZ \"o\"", ""}};
-  desktop.changeCount = 4;
-  RestoreItem colors{"ColorConfig", "Color configuration", true, {"colors.reg is missing."}, {}, 1};
-  colors.changes = {{Kind::DeletedFile, "C:\\WINNT\\old.cur", "", "", ""}};
-  RestoreItem keyboard{"KeyboardConfig", "Keyboard configuration", true, {}, {}, 0};
-  RestoreItem power{"PowerConfig", "Power", false, {"It is damaged."}, colors.changes, 1};
-  return {desktop, colors, keyboard, power};
-}
+using Kind = backup::RestoreChange::Kind;
+using test::kDesktopKey;
+using test::someItems;
+using test::TestOffer;
 
 class FrmRestore : public DialogTest {
  public:

@@ -1,4 +1,8 @@
 // form list, form show, form run.
+#include "forms/form.h"
+
+#include "cli/failure.h"
+#include "cli/form_driver.h"
 #include "frontends/cli/cli_fixture.h"
 
 namespace korvex::cli {
@@ -6,6 +10,16 @@ namespace {
 
 using FormShow = CliTest;
 using FormRun = CliTest;
+
+// The steps on a form of the test's own; the exit code that they would end with.
+int codeOf(forms::Form& form, const std::string& step) {
+  try {
+    for (const Step& each : parseSteps({step}).steps) perform(form, each);
+    return 0;
+  } catch (const Failure& failure) {
+    return static_cast<int>(failure.code());
+  }
+}
 
 std::vector<std::string> kinds(const Json& events) {
   std::vector<std::string> result;
@@ -82,6 +96,34 @@ TEST_F(FormRun, ControlThatAPersonCannotUseStopsTheRun) {
   EXPECT_NE(std::string::npos,
             korvex({"form", "run", "frmMain", "check=chkDefrag"}).err.find("Windows 95"));
   EXPECT_EQ(before, dump());
+}
+
+TEST(FormSteps, ItemsOfACheckedListAreNamedByTheirTextOrItsBeginning) {
+  forms::Form form("frm", "");
+  forms::CheckList list(form, "lstFA");
+  const forms::CheckBox box(form, "chk");
+  for (const char* item : {".txt  Text Document", ".TX", "IE Favorites", "IE Other", "a:b"}) {
+    list.AddItem(item);
+  }
+  list.setCheckable(4, false);
+  const std::vector<std::tuple<std::string, int, std::string>> cases{
+      {"check=lstFA:.TXT", 0, "1 of 5 checked"},
+      {"check=lstFA:.tx", 0, "2 of 5 checked"},
+      {"check=lstFA:IE", 2, "2 of 5 checked"},  // which of the two?
+      {"check=lstFA:IE Fav", 2, "2 of 5 checked"},
+      {"check=LSTFA:ie favorites", 0, "3 of 5 checked"},
+      {"uncheck=lstFA:.txt", 0, "2 of 5 checked"},
+      {"check=lstFA:a:b", 5, "2 of 5 checked"},  // cannot be checked
+      {"check=lstFA", 2, "2 of 5 checked"},
+      {"check=chk:x", 2, "2 of 5 checked"},
+      {"select=lstFA:.txt", 0, "2 of 5 checked"},
+  };
+  for (const auto& [step, code, state] : cases) {
+    EXPECT_EQ(code, codeOf(form, step)) << step;
+    EXPECT_EQ(state, list.stateText()) << step;
+  }
+  EXPECT_EQ((std::vector<std::string>{".TX", "IE Favorites"}), list.checkedItems());
+  EXPECT_EQ(".txt  Text Document", list.selectedItem());
 }
 
 TEST_F(FormRun, StepsAreCheckedBeforeAnythingIsDone) {

@@ -12,6 +12,7 @@
 #include "qt/style.h"
 #include "support/machines.h"
 #include "support/scripted_prompts.h"
+#include "support/test_offer.h"
 
 namespace korvex::qt {
 namespace {
@@ -41,6 +42,7 @@ TEST_P(EveryForm, LooksRightOnEveryPage) {
   useLook(look);
   if (font == Font::Large) test::KeepLook::setPointSize(kLargePoints);
   OnSample run(sample);
+  run.program.restoreDesk().offer = std::make_unique<test::TestOffer>(test::someItems());
   for (const program::FormRow& row : program::Program::forms()) {
     forms::Form& form = run.program.formBook().load(row.name);
     FormView view(form);
