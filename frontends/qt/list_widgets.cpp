@@ -7,6 +7,7 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QListView>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <memory>
@@ -17,6 +18,7 @@ namespace korvex::qt {
 namespace {
 
 constexpr int kListWidth = 30;  // characters
+constexpr int kWidestList = 50;
 constexpr int kFewestRows = 3;
 
 class ItemModel : public QAbstractListModel {
@@ -110,7 +112,14 @@ class ListView : public QListView {
     setHorizontalScrollMode(ScrollPerPixel);
   }
 
-  QSize sizeHint() const override { return {width(kListWidth), height(rows_)}; }
+  // Wider where the items are that are there from the start.
+  QSize sizeHint() const override {
+    if (widest_ < 0) {
+      widest_ = sizeHintForColumn(0) + verticalScrollBar()->sizeHint().width() + width(1);
+    }
+    return {std::clamp(widest_ + 2 * frameWidth(), width(kListWidth), width(kWidestList)),
+            height(rows_)};
+  }
   QSize minimumSizeHint() const override {
     return {width(kListWidth / 2), height(std::min(rows_, kFewestRows))};
   }
@@ -125,6 +134,7 @@ class ListView : public QListView {
   }
 
   int rows_;
+  mutable int widest_ = -1;
 };
 
 }  // namespace
