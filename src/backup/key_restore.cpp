@@ -29,6 +29,8 @@ RestoreChange::Kind kindOf(RegChange::Kind kind) {
   }
 }
 
+}  // namespace
+
 RestoreChange forPeople(const RegChange& change) {
   const bool isNew = change.kind == RegChange::Kind::NewValue;
   const bool isChanged = change.kind == RegChange::Kind::ChangedValue;
@@ -40,8 +42,6 @@ RestoreChange forPeople(const RegChange& change) {
           shown(isChanged || isGone, change.typeBefore, change.before),
           shown(isChanged || isNew, change.typeAfter, change.after)};
 }
-
-}  // namespace
 
 void addChange(RestoreItem& item, RestoreChange change) {
   ++item.changeCount;

@@ -26,6 +26,8 @@ bool compareSavedKey(foundation::Session& session, KeyRestore& restore,
 platform::Status restoreSavedKey(foundation::Session& session, RegistryBacker& backer,
                                  const KeyRestore& restore, std::string& message);
 
+// The change as a restore tells it.
+RestoreChange forPeople(const RegChange& change);
 // Counts it, and keeps it where there is room.
 void addChange(RestoreItem& item, RestoreChange change);
 

@@ -6,6 +6,7 @@
 
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_restore.h"
+#include "dialogs/shell/frm_fa.h"
 #include "dialogs/system/frm_more_security.h"
 #include "main_window/frm_main.h"
 
@@ -43,6 +44,7 @@ constexpr std::array kForms{FormRow{kMainWindow, "The main window"},
                             kRowsDialogs[1].form,
                             kRowsDialogs[2].form,
                             kRowsDialogs[3].form,
+                            FormRow{dialogs::frmFA::kName, "File associations"},
                             FormRow{dialogs::frmRestore::kName, "What a restore would change"},
                             FormRow{dialogs::frmAbout::kName, "Version and machine"}};
 
@@ -76,6 +78,9 @@ void Program::addDialogs(const dialogs::DialogParts& parts) {
                                                     dialog.bank, parts);
     });
   }
+  formBook_.add(dialogs::frmFA::kName, [this] {
+    return std::make_unique<dialogs::frmFA>(session_, formBook_, registryBacker_, restoreDesk_);
+  });
   formBook_.add(dialogs::frmRestore::kName,
                 [this] { return std::make_unique<dialogs::frmRestore>(session_, restoreDesk_); });
   formBook_.add(dialogs::frmAbout::kName,
