@@ -259,10 +259,7 @@ backup::Progress RegistryPage::beginWork(bool canCancel) {
   form_.CanCancel = canCancel;
   form_.Progress = 0;
   form_.Busy = true;
-  return [this](int percent) {
-    form_.Progress = percent;
-    return !form_.CancelAsked;
-  };
+  return [this](int percent) { return form_.goOn(percent); };
 }
 
 void RegistryPage::endWork() {
