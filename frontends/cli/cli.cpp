@@ -15,9 +15,10 @@
 namespace korvex::cli {
 namespace {
 
-constexpr std::array<AddCommands, 7> kGroups{addMachineCommands,  addListCommand, addShowCommand,
-                                             addSetCommand,       addRegCommands, addFormCommands,
-                                             addCompletionCommand};
+constexpr std::array<AddCommands, 10> kGroups{
+    addMachineCommands, addListCommand,      addShowCommand,   addSetCommand,
+    addRegCommands,     addBackupCommands,   addSetOfCommands, addAssociationCommands,
+    addFormCommands,    addCompletionCommand};
 
 constexpr const char* kFooter =
     "Examples:\n"

@@ -15,6 +15,9 @@ void addListCommand(CLI::App& app, Run& run);
 void addShowCommand(CLI::App& app, Run& run);
 void addSetCommand(CLI::App& app, Run& run);
 void addRegCommands(CLI::App& app, Run& run);
+void addBackupCommands(CLI::App& app, Run& run);
+void addSetOfCommands(CLI::App& app, Run& run);
+void addAssociationCommands(CLI::App& app, Run& run);
 void addFormCommands(CLI::App& app, Run& run);
 void addCompletionCommand(CLI::App& app, Run& run);
 
