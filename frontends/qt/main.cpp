@@ -1,6 +1,7 @@
 // The program "korvex-gui".
 #include <CLI/CLI.hpp>
 #include <QMessageBox>
+#include <QTimer>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "program/host_set.h"
 #include "program/open_machine.h"
 #include "program/program.h"
 #include "program/recent_machines.h"
@@ -17,6 +19,7 @@
 #include "qt/machine_menu.h"
 #include "qt/qt_host.h"
 #include "qt/qt_prompts.h"
+#include "qt/set_drop.h"
 #include "qt/style.h"
 #include "qt/text.h"
 
@@ -35,6 +38,7 @@ struct Options {
   std::string look;
   std::string screenshot;
   std::string form;
+  std::string set;  // the profile.kvx of a saved set, of the system that Korvex runs on
 };
 
 void describe(CLI::App& app, Options& options) {
@@ -43,6 +47,8 @@ void describe(CLI::App& app, Options& options) {
                  "Whose settings of that machine; default: its only user, or the last one");
   app.add_option("--style", options.look,
                  "How windows look: \"windows\" is the classic look; default: the desktop's own");
+  app.add_option("FILE", options.set, "A saved set of configuration (.kvx) to be shown")
+      ->type_name("");
   // For documentation: shows a window, the main one where none is named, saves a picture of it and
   // leaves.
   auto* screenshot = app.add_option("--screenshot", options.screenshot, "")->group("");
@@ -78,7 +84,55 @@ int tellRefusal(const platform::OpenedMachine& opened) {
   }
 }
 
+// "" where the set is shown, else why not.
+std::string openSet(program::Program& program, const std::string& file) {
+  const program::HostSet set = program::takeHostSet(program.session(), file);
+  if (set.status == platform::ERROR_SUCCESS) {
+    program.openSet(set.profile);
+    return {};
+  }
+  return set.message.empty() ? file + ": " + platform::describeStatus(set.status) : set.message;
+}
+
 // next: the folder of the machine to go on with, where the user has chosen one.
+void equipMainWindow(FormView& view, program::Program& program, const Options& options,
+                     std::string& next) {
+  makeMachineMenu(view, [&view, &next](const std::string& folder) {
+    next = folder;
+    view.form().close();
+  });
+  const auto open = [&view, &program](const std::string& file) {
+    const std::string trouble = openSet(program, file);
+    if (!trouble.empty()) QMessageBox::critical(&view, "Korvex", toQt(trouble));
+  };
+  takeDroppedSets(view, open);
+  if (options.set.empty()) return;
+  // Once the window can be seen: a message about the set must not stand alone.
+  QTimer::singleShot(0, &view, [open, file = options.set] { open(file); });
+}
+
+// The picture of the window that was asked for, then the end.
+bool takePicture(FormView& view, program::Program& program, const Options& options) {
+  QApplication::processEvents();
+  bool saved = true;
+  const bool isMain = view.parentWidget() == nullptr;
+  if (isMain) makeMachineMenu(view, [](const std::string&) {});
+  if (isMain && !options.set.empty()) {
+    // Nobody could close a message box.
+    const std::string trouble = openSet(program, options.set);
+    if (!trouble.empty()) std::cerr << "korvex-gui: " << trouble << '\n';
+  }
+  QApplication::processEvents();
+  // A dialog is shown from the main window, as ever.
+  if (isMain && !options.form.empty() && options.form != view.form().name()) {
+    program.formBook().showModal(options.form);
+  } else {
+    saved = view.grab().save(toQt(options.screenshot), "PNG");
+  }
+  view.close();
+  return saved;
+}
+
 int runOn(platform::Machine& machine, const Options& options, std::string& next) {
   QtPrompts prompts;
   prompts.setFiles(machine.files());
@@ -87,26 +141,10 @@ int runOn(platform::Machine& machine, const Options& options, std::string& next)
   bool saved = true;
   if (options.screenshot.empty()) {
     host.onShown = [&](FormView& view) {
-      if (view.parentWidget() != nullptr) return;
-      makeMachineMenu(view, [&view, &next](const std::string& folder) {
-        next = folder;
-        view.form().close();
-      });
+      if (view.parentWidget() == nullptr) equipMainWindow(view, program, options, next);
     };
   } else {
-    // A dialog is shown from the main window, as ever.
-    host.onShown = [&](FormView& view) {
-      QApplication::processEvents();
-      const bool isMain = view.parentWidget() == nullptr;
-      if (isMain) makeMachineMenu(view, [](const std::string&) {});
-      QApplication::processEvents();
-      if (isMain && !options.form.empty() && options.form != view.form().name()) {
-        program.formBook().showModal(options.form);
-      } else {
-        saved = view.grab().save(toQt(options.screenshot), "PNG");
-      }
-      view.close();
-    };
+    host.onShown = [&](FormView& view) { saved = takePicture(view, program, options) && saved; };
   }
   const int code = program.run(host);
   if (!saved) std::cerr << "korvex-gui: could not write " << options.screenshot << '\n';
@@ -133,6 +171,7 @@ int runAll(Options options) {
     if (next.empty()) return code;
     options.machine = next;
     options.user.clear();
+    options.set.clear();
   }
 }
 
