@@ -41,6 +41,18 @@ TEST_F(FormShow, ListsControlsAsTheyStand) {
   EXPECT_EQ(2, korvex({"form", "show", "frmNone"}).code);
 }
 
+TEST_F(FormShow, TellsTheMarksOfACheckedList) {
+  korvex({"reg", "set", "HKCR\\.aaa", "", "REG_SZ", "aaafile"});
+  EXPECT_NE(std::string::npos, korvex({"form", "show", "frmFA"}).out.find("\n    [ ] .aaa"));
+  const Json form = json({"form", "show", "frmFA"}).json()["form"];
+  for (const Json& control : form["controls"]) {
+    if (control["name"] != "lstFA") continue;
+    EXPECT_FALSE(control["items"].empty());
+    EXPECT_EQ(control["items"].size(), control["marks"].size());
+    EXPECT_EQ(Json(false), control["marks"][0]);
+  }
+}
+
 TEST_F(FormRun, TellsChangesAndMessagesInOrder) {
   korvex({"reg", "set", kExplorer, "Other", "REG_DWORD", "1"});  // so that the key is there
   const Json run = json({"form", "run", "frmMain", "check=chkHideRun", "press=cmdApply",
