@@ -80,7 +80,7 @@ RegistryPage::RegistryPage(forms::Form& form, foundation::Session& session,
       cmdSelectCategories_(form.own<CommandButton>("cmdSelectCategories", "Tick all")),
       cmdFileAssoc_(form.own<CommandButton>("cmdFileAssoc", "File associations...")),
       cmdSave_(form.own<CommandButton>("cmdSave", "&Save")),
-      lstRegRestore_(form.own<forms::CheckList>("lstRegRestore", 6)),
+      lstRegRestore_(form.own<forms::CheckList>("lstRegRestore", 12)),
       lblRegRestore_(form.own<forms::Label>("lblRegRestore", "W&hat to restore:", &lstRegRestore_)),
       cmdRestore_(form.own<CommandButton>("cmdRestore", "Res&tore...")),
       cmdErase_(form.own<CommandButton>("cmdErase", "E&rase...")) {
@@ -127,7 +127,7 @@ std::vector<Layout> RegistryPage::groups(engine::Page page) {
       Layout::group(kTitle, {Layout::of(lblSaves_), Layout::of(cboSaves_), Layout::of(lblSaved_)}),
       Layout::group(
           "What to save",
-          {Layout::column(std::move(boxes)), Layout::of(lblFileTypes_),
+          {Layout::grid(2, std::move(boxes)), Layout::of(lblFileTypes_),
            Layout::row({Layout::of(cboFileTypes_), Layout::of(cmdFileAssoc_)}),
            Layout::row({Layout::of(cmdSelectCategories_), Layout::space(), Layout::of(cmdSave_)})}),
       Layout::group("Restore", {Layout::of(lblRegRestore_), Layout::of(lstRegRestore_),

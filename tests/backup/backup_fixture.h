@@ -10,6 +10,7 @@
 #include "foundation/detection.h"
 #include "foundation/session.h"
 #include "platform/common/composed_machine.h"
+#include "support/failing_files.h"
 #include "support/machines.h"
 #include "support/registry_view.h"
 #include "support/scripted_prompts.h"
@@ -69,7 +70,8 @@ struct BackupRun {
 
   test::TestMachine machine;
   RecordingProcesses processes{*machine};
-  platform::ComposedMachine composed{*machine, {.processes = &processes}};
+  test::FailingFiles files{machine->files()};
+  platform::ComposedMachine composed{*machine, {.files = &files, .processes = &processes}};
   test::ScriptedPrompts prompts;
   foundation::Session session{composed, prompts};
   RegistryBacker backer{session};

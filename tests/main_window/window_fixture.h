@@ -77,7 +77,8 @@ class KorvexRun {
   explicit KorvexRun(platform::Machine& machine, StartOptions options = {})
       : session(machine, prompts), worker(session, book), pending(session, book) {
     book.add(frmMain::kName, [this, options] {
-      return std::make_unique<frmMain>(session, worker, pending, book, options);
+      return std::make_unique<frmMain>(session, worker, pending, book, BackupParts{backer, desk},
+                                       options);
     });
   }
 
@@ -91,6 +92,8 @@ class KorvexRun {
   test::ScriptedPrompts prompts;
   foundation::Session session;
   forms::FormBook book;
+  backup::RegistryBacker backer{session};
+  backup::RestoreDesk desk;
   engine::RegWorker worker;
   engine::PendingChanges pending;
 };

@@ -31,7 +31,7 @@ class frmFA : public forms::Form {
 
   forms::ComboBox cboShow{*this, "cboShow"};
   forms::Label lblShow{*this, "lblShow", "&Show:", &cboShow};
-  forms::TextBox txtFilter{*this, "txtFilter", {.widthInCharacters = 24}};
+  forms::TextBox txtFilter{*this, "txtFilter", {.widthInCharacters = 40}};
   forms::Label lblFilter{*this, "lblFilter", "&Find:", &txtFilter};
   forms::CheckList lstFA{*this, "lstFA", 16};
   forms::Label lblFA{*this, "lblFA", "File t&ypes:", &lstFA};
