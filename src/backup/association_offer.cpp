@@ -1,10 +1,11 @@
 // Saved file types: what is in a folder, what restoring would change, and doing it.
 //
-// "absent.dat" in a folder that a restore has made lists the keys that were not there then, under
-// "[FA]", each with its extension: "txtfile=.txt".
+// "keys.dat" in a folder that a restore has made lists the keys that it saved, under "[Kept]", and
+// those that were not there then, under "[Absent]", each with its extension: "txtfile=.txt".
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <set>
 #include <utility>
 
@@ -23,7 +24,7 @@ using namespace platform;
 
 namespace {
 
-constexpr std::string_view kAbsentFile = "absent.dat";
+constexpr std::string_view kKeysFile = "keys.dat";
 constexpr std::string_view kBefore = "Before restore";
 constexpr std::string_view kBeforeTakingBack = "Before taking back";
 
@@ -67,20 +68,46 @@ FirstDefault readFirst(Session& session, const std::string& file) {
   return sink;
 }
 
-// A key that was not there, and the extension with which it is restored.
-using Absent = std::pair<std::string, std::string>;
+// Names in keys.dat: what could end a key of the file, or is no plain text, stands as %XX.
+std::string lineName(std::string_view name) {
+  std::string line;
+  for (const char c : name) {
+    const bool plain =
+        c > ' ' && c <= '~' && std::string_view("=%;[]").find(c) == std::string_view::npos;
+    line += plain ? std::string(1, c) : fmt::format("%{:02X}", static_cast<unsigned char>(c));
+  }
+  return line;
+}
 
-std::vector<Absent> absentKeys(Session& session, const std::string& folder) {
-  std::vector<Absent> result;
+std::string nameFromLine(std::string_view line) {
+  std::string name;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    unsigned byte = 0;
+    const bool isCode = line[i] == '%' && i + 3 <= line.size() &&
+                        std::from_chars(line.data() + i + 1, line.data() + i + 3, byte, 16).ptr ==
+                            line.data() + i + 3;
+    name += isCode ? static_cast<char>(byte) : line[i];
+    if (isCode) i += 2;
+  }
+  return name;
+}
+
+// A key, and the extension with which it is restored.
+using ListedKey = std::pair<std::string, std::string>;
+
+std::vector<ListedKey> listedKeys(Session& session, const std::string& folder,
+                                  std::string_view section) {
+  std::vector<ListedKey> result;
   const std::string lines = session.machine().initFiles().GetPrivateProfileSectionA(
-      "FA", fmt::format("{}\\{}", folder, kAbsentFile));
+      section, fmt::format("{}\\{}", folder, kKeysFile));
   for (std::string_view rest = lines; !rest.empty();) {
     const std::string_view line = rest.substr(0, rest.find('\0'));
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos || equals == 0) continue;
-    const std::string key(line.substr(0, equals));
-    if (key.find('\\') == std::string::npos) result.emplace_back(key, line.substr(equals + 1));
+    const std::string key = nameFromLine(line.substr(0, equals));
+    if (key.find('\\') != std::string::npos) continue;
+    result.emplace_back(key, nameFromLine(line.substr(equals + 1)));
   }
   return result;
 }
@@ -92,7 +119,8 @@ class AssociationOffer : public RestoreOffer {
 
   void compare(std::span<const std::string> extensions, const Progress& progress) {
     const std::vector<FileType> saved = savedAssociations(session_, folder_);
-    const std::vector<Absent> absent = absentKeys(session_, folder_);
+    absent_ = listedKeys(session_, folder_, "Absent");
+    kept_ = listedKeys(session_, folder_, "Kept");
     for (std::size_t i = 0; i < extensions.size(); ++i) {
       if (progress && !progress(static_cast<int>(100 * i / extensions.size()))) {
         items_.clear();
@@ -102,7 +130,7 @@ class AssociationOffer : public RestoreOffer {
         return sameName(type.extension, extensions[i]);
       };
       const auto type = std::ranges::find_if(saved, same);
-      compareType(type == saved.end() ? FileType{extensions[i], "", ""} : *type, absent);
+      compareType(type == saved.end() ? FileType{extensions[i], "", ""} : *type);
     }
   }
 
@@ -113,7 +141,7 @@ class AssociationOffer : public RestoreOffer {
   RestoreOutcome restore(const std::vector<bool>& chosen, const Progress& progress) override;
 
  private:
-  void compareType(const FileType& type, const std::vector<Absent>& absent);
+  void compareType(const FileType& type);
   void compareKey(const std::string& key, bool wasThere, RestoreItem& item,
                   std::vector<KeyRestore>& steps);
   Status keep(const std::vector<KeyBackup>& keys, const std::vector<std::string>& extensions,
@@ -124,6 +152,8 @@ class AssociationOffer : public RestoreOffer {
   std::string folder_;
   std::vector<RestoreItem> items_;
   std::vector<std::vector<KeyRestore>> plans_;
+  std::vector<ListedKey> absent_;
+  std::vector<ListedKey> kept_;
 };
 
 void AssociationOffer::compareKey(const std::string& key, bool wasThere, RestoreItem& item,
@@ -147,22 +177,26 @@ void AssociationOffer::compareKey(const std::string& key, bool wasThere, Restore
   if (compareSavedKey(session_, step, file, item)) steps.push_back(std::move(step));
 }
 
-void AssociationOffer::compareType(const FileType& type, const std::vector<Absent>& absent) {
+void AssociationOffer::compareType(const FileType& type) {
   RestoreItem item;
   item.name = type.extension;
   item.caption = type.className.empty() ? type.extension
                                         : fmt::format("{} ({})", type.extension, type.className);
   std::vector<KeyRestore> steps;
-  const auto wasAbsent = [&](const std::string& key) {
-    return std::ranges::any_of(absent, [&](const Absent& one) { return sameName(one.first, key); });
-  };
-  if (!wasAbsent(type.extension)) compareKey(type.extension, true, item, steps);
-  // A class that was not there when it was saved is none that restoring has to bring.
-  const bool hasFile = !type.className.empty() &&
-                       session_.files().exists(folder_ + '\\' + associationFile(type.className));
-  if (hasFile) compareKey(type.className, true, item, steps);
-  for (const auto& [key, extension] : absent) {
-    if (sameName(extension, type.extension)) compareKey(key, false, item, steps);
+  bool isListed = false;
+  for (const auto& [keys, wasThere] : {std::pair{&kept_, true}, std::pair{&absent_, false}}) {
+    for (const auto& [key, extension] : *keys) {
+      if (!sameName(extension, type.extension)) continue;
+      isListed = true;
+      compareKey(key, wasThere, item, steps);
+    }
+  }
+  if (!isListed) {
+    compareKey(type.extension, true, item, steps);
+    // A class that was not there when it was saved is none that restoring has to bring.
+    const bool hasFile = !type.className.empty() &&
+                         session_.files().exists(folder_ + '\\' + associationFile(type.className));
+    if (hasFile) compareKey(type.className, true, item, steps);
   }
   items_.push_back(std::move(item));
   plans_.push_back(std::move(steps));
@@ -187,14 +221,18 @@ Status AssociationOffer::keep(const std::vector<KeyBackup>& keys,
   std::vector<KeyBackup> staged = keys;
   for (KeyBackup& key : staged) key.file = staging + '\\' + associationFile(key.subKey);
   const std::vector<KeyBackupResult> results = backer_.backupKeys(staged);
-  std::string absent = "[FA]\r\n";
+  std::string kept = "[Kept]\r\n";
+  std::string absent = "[Absent]\r\n";
   for (std::size_t i = 0; i < results.size(); ++i) {
-    if (results[i].saved) continue;
+    if (results[i].saved) {
+      kept += fmt::format("{}={}\r\n", lineName(keys[i].subKey), lineName(extensions[i]));
+      continue;
+    }
     if (results[i].status != ERROR_FILE_NOT_FOUND)
       return fail(results[i].status, results[i].message);
-    absent += fmt::format("{}={}\r\n", keys[i].subKey, extensions[i]);
+    absent += fmt::format("{}={}\r\n", lineName(keys[i].subKey), lineName(extensions[i]));
   }
-  status = files.replace(fmt::format("{}\\{}", staging, kAbsentFile), absent);
+  status = files.replace(fmt::format("{}\\{}", staging, kKeysFile), kept + absent);
   if (status == ERROR_SUCCESS) status = removeTree(files, folder);
   if (status == ERROR_SUCCESS) status = files.move(staging, folder);
   return status == ERROR_SUCCESS ? status : fail(status, "");
@@ -278,9 +316,12 @@ std::vector<FileType> savedAssociations(Session& session, const std::string& fol
     }
     types.push_back(std::move(type));
   }
-  for (const auto& [key, extension] : absentKeys(session, folder)) {
-    const auto same = [&](const FileType& type) { return sameName(type.extension, extension); };
-    if (std::ranges::none_of(types, same)) types.push_back({extension, "", "(was not registered)"});
+  // Of some only the class was saved, or nothing, because nothing was there.
+  for (const char* const section : {"Kept", "Absent"}) {
+    for (const auto& [key, extension] : listedKeys(session, folder, section)) {
+      const auto same = [&](const FileType& type) { return sameName(type.extension, extension); };
+      if (std::ranges::none_of(types, same)) types.push_back({extension, "", ""});
+    }
   }
   std::ranges::sort(types, {}, [](const FileType& type) { return foldName(type.extension); });
   return types;

@@ -70,7 +70,9 @@ bool compareSavedKey(Session& session, KeyRestore& restore, const std::string& n
         restore.extras.push_back(change);
         restore.extras.back().before.clear();
       });
-  std::vector<std::string> problems = difference.problems;
+  // Lines below a key that is not its own are told with that key.
+  std::vector<std::string> problems =
+      difference.outside.empty() ? difference.problems : std::vector<std::string>();
   if (difference.status != ERROR_SUCCESS) {
     problems.push_back(fmt::format("{}: {}.", nameForPeople, difference.message));
   }
