@@ -2,6 +2,7 @@
 #include "platform/common/files_decorators.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "platform/common/short_names.h"
@@ -255,8 +256,11 @@ Status PretendingFiles::removeFolder(std::string_view path) {
 
 void PretendingFiles::listPretended(const WindowsPath& folder, const std::string& pattern,
                                     std::vector<FileEntry>& entries) const {
+  std::set<std::string> known;
   std::erase_if(entries, [&](FileEntry& entry) {
-    const auto node = nodes_.find(keyOf(childOf(folder, entry.name)));
+    std::string entryKey = keyOf(childOf(folder, entry.name));
+    const auto node = nodes_.find(entryKey);
+    known.insert(std::move(entryKey));
     if (node == nodes_.end()) return false;
     entry.attributes = node->second.attributes;
     entry.size = node->second.bytes.size();
@@ -266,11 +270,7 @@ void PretendingFiles::listPretended(const WindowsPath& folder, const std::string
     const std::string& key = pretended.first;
     const Node& node = pretended.second;
     if (!node.there || node.name.empty() || !isListed(pattern, node.name)) continue;
-    if (keyOf(childOf(folder, node.name)) != key) continue;
-    const bool known = std::any_of(entries.begin(), entries.end(), [&](const FileEntry& entry) {
-      return keyOf(childOf(folder, entry.name)) == key;
-    });
-    if (known) continue;
+    if (known.contains(key) || keyOf(childOf(folder, node.name)) != key) continue;
     const std::string shortName = shortNames({node.name}).front();
     entries.push_back({node.name, shortName, node.attributes, node.bytes.size(), 0});
   }
