@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "backup/categories.h"
 #include "cli/commands.h"
 #include "cli/output.h"
 #include "cli/tweak_places.h"
@@ -73,6 +74,15 @@ std::string formNames() {
   return names;
 }
 
+// The words of --only.
+std::string categoryWords() {
+  std::string words;
+  for (const backup::Category& category : backup::categories()) {
+    words += " " + std::string(category.tag);
+  }
+  return words;
+}
+
 constexpr const char* kScript = R"(# bash completion for korvex; made by "korvex completion bash".
 _korvex() {{
   local cur=${{COMP_WORDS[COMP_CWORD]}} prev=${{COMP_WORDS[COMP_CWORD-1]}}
@@ -99,6 +109,8 @@ _korvex() {{
     --format) words="4 5"; path="-" ;;
     --page) words="{pages}"; path="-" ;;
     --answer) words="yes no ok cancel"; path="-" ;;
+    --only) words="{categories}"; path="-" ;;
+    --undo) mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
   esac
   case $path in
     -) ;;
@@ -112,7 +124,7 @@ _korvex() {{
       [[ -n $cur && $cur != P* ]] && tweaks=${{tweaks//P_rw/}}
       words+=$tweaks ;;
     "form show"|"form run") words+="{forms}" ;;
-    "machine create"|"reg import"|"reg export")
+    "machine create"|"reg import"|"reg export"|backup|restore|"set-of show"|"set-of restore")
       mapfile -t COMPREPLY < <(compgen -W "$words" -f -- "$cur"); return ;;
   esac
   [[ $path == set && $cur != -* ]] && compopt -o nospace
@@ -129,7 +141,7 @@ std::string bashScript(const CLI::App& app) {
                      fmt::arg("top", commandNames(app) + optionNames(app)),
                      fmt::arg("cases", cases), fmt::arg("options", optionNames(app)),
                      fmt::arg("pages", pageWords()), fmt::arg("tweaks", tweakNames()),
-                     fmt::arg("forms", formNames()));
+                     fmt::arg("forms", formNames()), fmt::arg("categories", categoryWords()));
 }
 
 }  // namespace

@@ -49,8 +49,8 @@ void printEnd(Context& context, const std::vector<RestoreItem>& items,
     json["items"] = itemsJson(items);
     print(context.out, json);
   } else if (outcome != nullptr) {
-    context.out << fmt::format("Restored: {} changes. What was there before is saved as {}.\n",
-                               count, printable(outcome->savedAs));
+    context.out << fmt::format("Restored: {}. What was there before is saved as {}.\n",
+                               changesText(count), printable(outcome->savedAs));
   } else if (count == 0) {
     context.out << "Nothing would change.\n";
   }
@@ -79,7 +79,7 @@ std::size_t printItems(Context& context, const std::vector<RestoreItem>& items) 
       context.note(fmt::format("{}: {}", printable(item.caption), printable(problem)));
     }
     if (!context.json) {
-      std::string state = fmt::format("{} changes", item.changeCount);
+      std::string state = changesText(item.changeCount);
       if (!item.restorable) state = "cannot be restored";
       context.out << fmt::format("{}: {}\n", printable(item.caption), state);
     }

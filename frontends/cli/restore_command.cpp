@@ -163,8 +163,8 @@ class Restore {
     if (context_.json) {
       printJson(restored);
     } else if (restored) {
-      context_.out << fmt::format("Restored {}: {} changes.{}\n", printable(options_.file),
-                                  list_.count(),
+      context_.out << fmt::format("Restored {}: {}.{}\n", printable(options_.file),
+                                  changesText(list_.count()),
                                   undo_ ? " " + printable(undoPath_) + " takes them back." : "");
     } else if (list_.count() == 0) {
       context_.out << "Nothing would change.\n";

@@ -21,6 +21,10 @@ void RestoreList::end() {
   context_.out << fmt::format("... and {} more.\n", count_ - printed_);
 }
 
+std::string changesText(std::size_t count) {
+  return fmt::format("{} change{}", count, count == 1 ? "" : "s");
+}
+
 Json changeJson(const backup::RestoreChange& change) {
   const bool isValue = change.kind == Kind::NewValue || change.kind == Kind::ChangedValue ||
                        change.kind == Kind::DeletedValue;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "backup/restore_offer.h"
 #include "cli/context.h"
@@ -30,6 +31,8 @@ class RestoreList {
   std::size_t printed_ = 0;
 };
 
+// "1 change", "12 changes".
+std::string changesText(std::size_t count);
 // {"kind","place","name","before","after"}; what a change of that kind does not have is null.
 Json changeJson(const backup::RestoreChange& change);
 
