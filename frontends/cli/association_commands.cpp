@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <ostream>
 
-#include "backup/associations.h"
 #include "cli/backup_machine.h"
 #include "cli/commands.h"
 #include "cli/interrupt.h"
@@ -83,7 +82,7 @@ std::vector<std::string> chosenTypes(BackupMachine& machine, const TypeOptions& 
     throw Failure(ExitCode::Usage, "usage",
                   "Say which file types: name them, or --all, or --template.");
   }
-  if (!options.types.empty()) return fileTypes(options.types);
+  if (!options.types.empty()) return fileTypes(options.types, present);
   if (!options.all) return typesOfTemplate(machine.session(), options.templateName);
   std::vector<std::string> all;
   for (const FileType& type : present) all.push_back(type.extension);
@@ -223,16 +222,19 @@ void addRestore(CLI::App& group, Run& run) {
 
 }  // namespace
 
-std::vector<std::string> fileTypes(std::span<const std::string> typed) {
+std::vector<std::string> fileTypes(std::span<const std::string> typed,
+                                   std::span<const FileType> known) {
   std::vector<std::string> types;
   for (const std::string& word : typed) {
-    const std::string type = word.starts_with('.') ? word : '.' + word;
+    std::string type = word.starts_with('.') ? word : '.' + word;
     if (type.size() < 2 || type.find_first_of("\\/") != std::string::npos) {
       throw Failure(ExitCode::Usage, "bad-type",
                     fmt::format("'{}' is no file type: use .txt, or txt.", printable(word)));
     }
     const auto same = [&type](const std::string& one) { return platform::sameName(one, type); };
-    if (std::ranges::none_of(types, same)) types.push_back(type);
+    if (std::ranges::any_of(types, same)) continue;
+    const auto found = std::ranges::find_if(known, same, &FileType::extension);
+    types.push_back(found == known.end() ? std::move(type) : found->extension);
   }
   return types;
 }

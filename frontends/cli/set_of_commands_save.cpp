@@ -43,7 +43,7 @@ backup::SaveRequest requestFor(BackupMachine& machine, const SaveOptions& option
   request.folder = machineFolder(options.folder, "");
   request.tags = options.only.empty() ? presentTags(machine.session()) : categoryTags(options.only);
   request.extensions = options.templateName.empty()
-                           ? fileTypes(options.types)
+                           ? fileTypes(options.types, backup::registeredTypes(machine.session()))
                            : typesOfTemplate(machine.session(), options.templateName);
   const bool hasTypes = std::ranges::find(request.tags, "FAConfig") != request.tags.end();
   if (!request.extensions.empty() && !hasTypes) {

@@ -77,7 +77,7 @@ void UndoText::keepTree(const RegChange& change) {
   closeSection();
   expectWritten(writer_.deleteKey(fullKeyName(change.root, change.path)), change, "");
   writer_.endKey();
-  std::vector<std::string> pending{change.path};
+  std::vector<std::string> pending{storedPath(change)};
   while (!pending.empty() && status_ == ERROR_SUCCESS) {
     const std::string path = std::move(pending.back());
     pending.pop_back();
@@ -88,6 +88,25 @@ void UndoText::keepTree(const RegChange& change) {
     }
     handOver(kPiece);
   }
+}
+
+// The path with the last name as the registry has it: the file may have it in another case.
+std::string UndoText::storedPath(const RegChange& change) {
+  const std::size_t slash = change.path.rfind('\\');
+  const std::size_t nameAt = slash == std::string::npos ? 0 : slash + 1;
+  const std::string_view wanted = std::string_view(change.path).substr(nameAt);
+  const OpenKey parent(registry_, change.root,
+                       std::string_view(change.path).substr(0, nameAt == 0 ? 0 : slash), KEY_READ);
+  char name[kNameBufferBytes];
+  Status status = parent.status();
+  for (std::uint32_t i = 0; status == ERROR_SUCCESS; ++i) {
+    std::uint32_t length = sizeof name;
+    status = registry_.RegEnumKeyExA(parent.get(), i, name, &length);
+    if (status == ERROR_SUCCESS && sameName({name, length}, wanted)) {
+      return change.path.substr(0, nameAt) + std::string(name, length);
+    }
+  }
+  return change.path;
 }
 
 void UndoText::keepKey(const RegChange& top, const std::string& path,

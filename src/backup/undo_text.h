@@ -41,6 +41,7 @@ class UndoText {
 
   void deleteNewKey(const RegChange& change);
   void keepTree(const RegChange& change);
+  std::string storedPath(const RegChange& change);
   void keepKey(const RegChange& top, const std::string& path, std::vector<std::string>& children);
   void deleteNewValue(const RegChange& change);
   void keepChangedValue(const RegChange& change);
