@@ -3,10 +3,16 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
 
+#include "backup/categories.h"
+#include "backup/config_sets.h"
+#include "backup/reg_difference.h"
+#include "main_window/start_up.h"
 #include "platform/common/reg_import.h"
 #include "platform/wine/wine_machine.h"
 #include "program/one_run.h"
@@ -185,6 +191,49 @@ TEST_F(WinePrefix, WhileWineRunsItIsReadAndNotWritten) {
   ASSERT_EQ(0, shell("wineserver -w"));
   EXPECT_EQ(0, early->registry().beginChange());
   early->registry().rollbackChange();
+}
+
+// Every file of a saved set, as Windows 98 and as Windows 2000 write them.
+TEST_F(WinePrefix, TakesEveryFileOfASavedSetToTheSameValues) {
+  for (const char* const sample : {"windows-98", "windows-2000"}) {
+    test::TestMachine saving{std::string(sample)};
+    test::ScriptedPrompts prompts;
+    foundation::Session session(*saving, prompts);
+    main_window::detectReadOnly(session);
+    backup::RegistryBacker backer(session);
+    backup::ConfigSets sets(session, backer);
+    backup::SaveRequest request{"All", "C:\\Saves", {}, {}};
+    for (const backup::Category& category : backup::categories()) {
+      if (backup::whyNotSaved(session, category).empty()) request.tags.emplace_back(category.tag);
+    }
+    const backup::SaveOutcome saved = sets.save(request, {});
+    ASSERT_EQ(0, saved.status) << saved.message;
+    ASSERT_EQ(0U, saved.failed.size()) << saved.failed.front().reason;
+
+    std::vector<fs::path> files;
+    std::string arguments;
+    for (const auto& entry : fs::recursive_directory_iterator(saving.driveC() / "Saves" / "All")) {
+      if (entry.path().extension() != ".reg") continue;
+      files.push_back(entry.path());
+      arguments += " '" + entry.path().string() + "'";
+    }
+    ASSERT_LT(50U, files.size());
+    ASSERT_EQ(0, shell("wine regedit /S" + arguments));
+    ASSERT_EQ(0, shell("wineserver -w"));
+
+    const auto prefix = open(OpenMode::Read);
+    for (const fs::path& file : files) {
+      std::ifstream stream(file, std::ios::binary);
+      const std::string text{std::istreambuf_iterator<char>(stream), {}};
+      std::string different;
+      const auto result = backup::compareRegText(
+          prefix->registry(), [&](const auto& take) { return take(text); }, {},
+          [&](const backup::RegChange& one) { different += one.path + " | " + one.name + "\n"; });
+      EXPECT_EQ(0, result.status) << file << ": " << result.message;
+      EXPECT_EQ("", different) << file;
+      EXPECT_EQ(0U, result.problems.size()) << file;
+    }
+  }
 }
 
 }  // namespace
