@@ -1,4 +1,5 @@
 // A kill at any moment of Apply and of an import: the machine is sound and every change is whole.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -6,13 +7,16 @@
 #include <sstream>
 #include <string>
 
+#include "backup/config_sets.h"
 #include "forms/controls.h"
+#include "main_window/start_up.h"
 #include "platform/common/reg_export.h"
 #include "platform/common/reg_import.h"
 #include "program/program.h"
 #include "support/child_process.h"
 #include "support/machines.h"
 #include "support/real_machines.h"
+#include "support/registry_view.h"
 #include "support/scripted_prompts.h"
 
 namespace korvex::program {
@@ -223,6 +227,48 @@ TEST(Kill, DuringImportLeavesTheOldOrTheNew) {
         written += line == name + "0\"" ? 0 : 1;
       });
   EXPECT_GT(written, 0);
+}
+
+// Saves one set over and over, each time from other colours and another cursor.
+void saveForEver(const test::TestMachine& machine, const Bell& bell) {
+  const auto opened = machine.open(platform::OpenMode::ReadWrite);
+  test::ScriptedPrompts prompts;
+  foundation::Session session(*opened, prompts);
+  main_window::detectReadOnly(session);
+  backup::RegistryBacker backer(session);
+  backup::ConfigSets sets(session, backer);
+  const test::RegistryView view(opened->registry());
+  const std::string cursor = session.g_sWinDir + "Cursors\\one.cur";
+  view.put("HKCU\\Control Panel\\Cursors", "Hand", '"' + cursor + '"');
+  for (int number = 0;; ++number) {
+    view.put("HKCU\\Control Panel\\Colors", "Window", fmt::format("\"{}\"", number));
+    opened->files().replace(cursor, fmt::format("{}", number));
+    const auto saved = sets.save({"Work", "C:\\Saves", {"ColorConfig", "CursorConfig"}, {}}, {});
+    if (saved.status != 0) _exit(1);
+    if (number == 0) bell.ring();
+  }
+}
+
+TEST(Kill, ASavedSetIsAlwaysOneThatWasWholeOnce) {
+  test::TestMachine machine("windows-98");
+  killAgainAndAgain(
+      machine, 60, 40'000, [&](int, const Bell& bell) { saveForEver(machine, bell); },
+      [&](platform::Registry&, int round) {
+        test::ScriptedPrompts prompts;
+        foundation::Session session(machine.get(), prompts);
+        main_window::detectReadOnly(session);
+        backup::RegistryBacker backer(session);
+        backup::ConfigSets sets(session, backer);
+        backup::ConfigSet set;
+        std::string message;
+        ASSERT_EQ(0, sets.find("Work", set, message)) << message << " in round " << round;
+        EXPECT_TRUE(sets.isAvailable(set));
+        const auto offer = sets.offer(set, {});
+        ASSERT_EQ(2U, offer->items().size());
+        for (const auto& item : offer->items()) {
+          EXPECT_EQ(0U, item.problems.size()) << item.problems.front() << " in round " << round;
+        }
+      });
 }
 
 }  // namespace
