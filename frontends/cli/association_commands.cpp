@@ -85,6 +85,7 @@ std::vector<std::string> chosenTypes(BackupMachine& machine, const TypeOptions& 
   if (!options.types.empty()) return fileTypes(options.types, present);
   if (!options.all) return typesOfTemplate(machine.session(), options.templateName);
   std::vector<std::string> all;
+  all.reserve(present.size());
   for (const FileType& type : present) all.push_back(type.extension);
   return all;
 }
@@ -226,7 +227,7 @@ std::vector<std::string> fileTypes(std::span<const std::string> typed,
                                    std::span<const FileType> known) {
   std::vector<std::string> types;
   for (const std::string& word : typed) {
-    std::string type = word.starts_with('.') ? word : '.' + word;
+    const std::string type = word.starts_with('.') ? word : '.' + word;
     if (type.size() < 2 || type.find_first_of("\\/") != std::string::npos) {
       throw Failure(ExitCode::Usage, "bad-type",
                     fmt::format("'{}' is no file type: use .txt, or txt.", printable(word)));
@@ -234,7 +235,7 @@ std::vector<std::string> fileTypes(std::span<const std::string> typed,
     const auto same = [&type](const std::string& one) { return platform::sameName(one, type); };
     if (std::ranges::any_of(types, same)) continue;
     const auto found = std::ranges::find_if(known, same, &FileType::extension);
-    types.push_back(found == known.end() ? std::move(type) : found->extension);
+    types.push_back(found == known.end() ? type : found->extension);
   }
   return types;
 }

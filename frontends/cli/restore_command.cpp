@@ -22,6 +22,7 @@ using namespace platform;
 using backup::RegChange;
 
 constexpr std::string_view kUndoEnding = ".undo.reg";
+constexpr std::string_view kHint = "--undo names another file, --no-undo does without one.";
 constexpr std::string_view kWhat = "The file that takes the restore back";
 
 struct RestoreOptions {
@@ -104,8 +105,12 @@ class Restore {
   void beginUndo() {
     const CodePage* codePage = CodePage::find(machine_.codePage());
     if (codePage == nullptr) codePage = CodePage::find(1252);
-    undoFile_ =
-        makeFile(machine_, undoPath_, options_.overwrite ? Overwrite::Yes : Overwrite::No, kWhat);
+    try {
+      undoFile_ =
+          makeFile(machine_, undoPath_, options_.overwrite ? Overwrite::Yes : Overwrite::No, kWhat);
+    } catch (const Failure& failure) {
+      throw Failure(failure.code(), failure.kind(), fmt::format("{} {}", failure.what(), kHint));
+    }
     undo_.emplace(machine_.registry(), machine_.regFormat(), *codePage,
                   [this](std::string_view piece) { return undoFile_->write(piece); });
   }
@@ -135,9 +140,8 @@ class Restore {
 
   [[noreturn]] void undoFailed(const std::string& why) const {
     throw Failure(ExitCode::Failed, "no-undo",
-                  fmt::format("{} could not be written: {}: {}. Nothing was changed. --undo names "
-                              "another file, --no-undo does without one.",
-                              kWhat, printable(undoPath_), printable(why)));
+                  fmt::format("{} could not be written: {}: {}. Nothing was changed. {}", kWhat,
+                              printable(undoPath_), printable(why), kHint));
   }
 
   void removeExtras() {
