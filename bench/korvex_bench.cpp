@@ -13,11 +13,14 @@
 #include <stdexcept>
 #include <string>
 
+#include "backup/categories.h"
+#include "backup/config_sets.h"
 #include "engine/catalogue.h"
 #include "engine/readers.h"
 #include "forms/controls.h"
 #include "foundation/detection.h"
 #include "foundation/session.h"
+#include "main_window/start_up.h"
 #include "platform/common/reg_export.h"
 #include "platform/common/reg_import.h"
 #include "platform/embedded/embedded_machine.h"
@@ -189,6 +192,39 @@ void exportText(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(exportText)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+// All that the machine has of every category: keys, files, record; durable.
+void saveAndCompareASet(benchmark::State& state) {
+  const Sample sample;
+  SilentPrompts prompts;
+  const auto machine = sample.open(platform::OpenMode::ReadWrite);
+  foundation::Session session(*machine, prompts);
+  main_window::detectReadOnly(session);
+  backup::RegistryBacker backer(session);
+  backup::ConfigSets sets(session, backer);
+  backup::SaveRequest request{"Measured", "C:\\Saves", {}, {}};
+  for (const backup::Category& category : backup::categories()) {
+    if (backup::whyNotSaved(session, category).empty()) request.tags.emplace_back(category.tag);
+  }
+  const bool compares = state.range(0) != 0;
+  std::size_t files = 0;
+  for (auto _ : state) {
+    if (!compares || files == 0) files = sets.save(request, {}).files;
+    if (!compares) continue;
+    backup::ConfigSet set;
+    std::string message;
+    if (sets.find("Measured", set, message) != 0) state.SkipWithError("no set");
+    benchmark::DoNotOptimize(sets.offer(set, {}));
+  }
+  if (files == 0) state.SkipWithError("nothing was saved");
+  state.counters["files"] = static_cast<double>(files);
+}
+BENCHMARK(saveAndCompareASet)
+    ->ArgName("compare")
+    ->Arg(0)
+    ->Arg(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
