@@ -204,7 +204,8 @@ KeyBackupResult RegistryBacker::finish(const Export& one, const std::string& mes
     return KeyBackupResult{false, status,
                            why.empty() ? fmt::format("{} was not written.", one.file) : why};
   };
-  if (!files.exists(one.temporary)) return fail(ERROR_FILE_NOT_FOUND, message);
+  // Not "no such file": that says of a key that it is not there.
+  if (!files.exists(one.temporary)) return fail(ERROR_GEN_FAILURE, message);
   // The editor has left something out, or could not end.
   if (!message.empty()) return fail(ERROR_INVALID_DATA, message);
   // A file of that name is replaced whole, which a move cannot do.

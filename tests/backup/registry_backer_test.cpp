@@ -54,10 +54,10 @@ TEST(RegistryBacker, WhatCannotBeSavedWholeLeavesNoFileAndTheOldOneAsItWas) {
   fails(HKEY_CURRENT_USER, "Software\\Missing", "C:\\Saved\\old.reg", ERROR_FILE_NOT_FOUND);
   fails(HKEY_USERS, ".DEFAULT", "C:\\Saved\\old.reg", ERROR_INVALID_PARAMETER);
   EXPECT_EQ(Names{}, run.processes.commands);
-  fails(HKEY_CURRENT_USER, "Software\\Test", "C:\\No such folder\\new.reg", ERROR_FILE_NOT_FOUND);
-  fails(HKEY_CURRENT_USER, "Software\\Test", "Q:\\new.reg", ERROR_FILE_NOT_FOUND);
+  fails(HKEY_CURRENT_USER, "Software\\Test", "C:\\No such folder\\new.reg", ERROR_GEN_FAILURE);
+  fails(HKEY_CURRENT_USER, "Software\\Test", "Q:\\new.reg", ERROR_GEN_FAILURE);
   run.processes.refuse = true;
-  fails(HKEY_CURRENT_USER, "Software\\Test", "C:\\Saved\\old.reg", ERROR_FILE_NOT_FOUND);
+  fails(HKEY_CURRENT_USER, "Software\\Test", "C:\\Saved\\old.reg", ERROR_GEN_FAILURE);
   EXPECT_EQ("old", run.read("C:\\Saved\\old.reg"));
   EXPECT_EQ(Names{"old.reg"}, run.names("C:\\Saved"));
 }
