@@ -11,6 +11,7 @@
 
 #include "backup/associations.h"
 #include "backup/folder_tree.h"
+#include "backup/key_batches.h"
 #include "backup/key_restore.h"
 #include "platform/text/reg_names.h"
 #include "platform/text/reg_parser.h"
@@ -79,7 +80,8 @@ std::string lineName(std::string_view name) {
   return line;
 }
 
-std::string nameFromLine(std::string_view line) {
+// With the %XX of lines and of file names as what they stand for.
+std::string decoded(std::string_view line) {
   std::string name;
   for (std::size_t i = 0; i < line.size(); ++i) {
     unsigned byte = 0;
@@ -90,6 +92,10 @@ std::string nameFromLine(std::string_view line) {
     if (isCode) i += 2;
   }
   return name;
+}
+
+std::string keyOfFile(std::string_view file) {
+  return decoded(file.substr(0, file.size() - std::string_view(".reg").size()));
 }
 
 // A key, and the extension with which it is restored.
@@ -105,9 +111,9 @@ std::vector<ListedKey> listedKeys(Session& session, const std::string& folder,
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos || equals == 0) continue;
-    const std::string key = nameFromLine(line.substr(0, equals));
+    const std::string key = decoded(line.substr(0, equals));
     if (key.find('\\') != std::string::npos) continue;
-    result.emplace_back(key, nameFromLine(line.substr(equals + 1)));
+    result.emplace_back(key, decoded(line.substr(equals + 1)));
   }
   return result;
 }
@@ -144,8 +150,10 @@ class AssociationOffer : public RestoreOffer {
   void compareType(const FileType& type);
   void compareKey(const std::string& key, bool wasThere, RestoreItem& item,
                   std::vector<KeyRestore>& steps);
+  void compareClass(const std::string& className, RestoreItem& item,
+                    std::vector<KeyRestore>& steps);
   Status keep(const std::vector<KeyBackup>& keys, const std::vector<std::string>& extensions,
-              const std::string& folder, std::string& message);
+              const std::string& folder, const Progress& progress, std::string& message);
 
   Session& session_;
   RegistryBacker& backer_;
@@ -177,6 +185,21 @@ void AssociationOffer::compareKey(const std::string& key, bool wasThere, Restore
   if (compareSavedKey(session_, step, file, item)) steps.push_back(std::move(step));
 }
 
+// A class that was not there when its type was saved has no file, and none to be restored.
+void AssociationOffer::compareClass(const std::string& className, RestoreItem& item,
+                                    std::vector<KeyRestore>& steps) {
+  const std::string file = associationFile(className);
+  if (session_.files().exists(folder_ + '\\' + file)) {
+    compareKey(className, true, item, steps);
+    return;
+  }
+  const OpenKey opened(session_.registry(), HKEY_CLASSES_ROOT, className, KEY_READ);
+  if (!steps.empty() || opened.status() != ERROR_FILE_NOT_FOUND) {
+    item.problems.push_back(
+        fmt::format("{}: it is not there; {} stays as it is.", file, className));
+  }
+}
+
 void AssociationOffer::compareType(const FileType& type) {
   RestoreItem item;
   item.name = type.extension;
@@ -193,10 +216,8 @@ void AssociationOffer::compareType(const FileType& type) {
   }
   if (!isListed) {
     compareKey(type.extension, true, item, steps);
-    // A class that was not there when it was saved is none that restoring has to bring.
-    const bool hasFile = !type.className.empty() &&
-                         session_.files().exists(folder_ + '\\' + associationFile(type.className));
-    if (hasFile) compareKey(type.className, true, item, steps);
+    // A class by which nothing is saved of a type is none that a restore may touch.
+    if (type.canBeSaved()) compareClass(type.className, item, steps);
   }
   items_.push_back(std::move(item));
   plans_.push_back(std::move(steps));
@@ -205,37 +226,35 @@ void AssociationOffer::compareType(const FileType& type) {
 // All of the keys as they stand now, in place of what the folder held.
 Status AssociationOffer::keep(const std::vector<KeyBackup>& keys,
                               const std::vector<std::string>& extensions, const std::string& folder,
-                              std::string& message) {
+                              const Progress& progress, std::string& message) {
   Files& files = session_.files();
   const std::string staging = folder + ".kvxnew";
-  const auto fail = [&](Status status, std::string why) {
-    message = why.empty() ? fmt::format("{}: {}.", folder, describeStatus(status)) : std::move(why);
-    removeTree(files, staging);
-    return status;
-  };
-  Status status = removeTree(files, staging);
-  if (status == ERROR_SUCCESS || status == ERROR_PATH_NOT_FOUND) {
-    status = files.createFolder(staging);
-  }
-  if (status != ERROR_SUCCESS) return fail(status, "");
-  std::vector<KeyBackup> staged = keys;
-  for (KeyBackup& key : staged) key.file = staging + '\\' + associationFile(key.subKey);
-  const std::vector<KeyBackupResult> results = backer_.backupKeys(staged);
+  std::vector<KeyBackupResult> results;
+  Status status = backupIntoFolder(session_, backer_, keys, staging, progress, results, message);
+  if (status != ERROR_SUCCESS) return status;
   std::string kept = "[Kept]\r\n";
   std::string absent = "[Absent]\r\n";
-  for (std::size_t i = 0; i < results.size(); ++i) {
+  for (std::size_t i = 0; i < results.size() && status == ERROR_SUCCESS; ++i) {
+    const std::string line =
+        fmt::format("{}={}\r\n", lineName(keys[i].subKey), lineName(extensions[i]));
     if (results[i].saved) {
-      kept += fmt::format("{}={}\r\n", lineName(keys[i].subKey), lineName(extensions[i]));
-      continue;
+      kept += line;
+    } else if (results[i].status == ERROR_FILE_NOT_FOUND) {
+      absent += line;
+    } else {
+      status = results[i].status;
+      message = results[i].message;
     }
-    if (results[i].status != ERROR_FILE_NOT_FOUND)
-      return fail(results[i].status, results[i].message);
-    absent += fmt::format("{}={}\r\n", lineName(keys[i].subKey), lineName(extensions[i]));
   }
-  status = files.replace(fmt::format("{}\\{}", staging, kKeysFile), kept + absent);
-  if (status == ERROR_SUCCESS) status = removeTree(files, folder);
-  if (status == ERROR_SUCCESS) status = files.move(staging, folder);
-  return status == ERROR_SUCCESS ? status : fail(status, "");
+  if (status == ERROR_SUCCESS) {
+    status = files.replace(fmt::format("{}\\{}", staging, kKeysFile), kept + absent);
+  }
+  if (status == ERROR_SUCCESS) status = takeNameOf(files, staging, folder);
+  if (status != ERROR_SUCCESS) {
+    if (message.empty()) message = fmt::format("{}: {}.", folder, describeStatus(status));
+    removeTree(files, staging);
+  }
+  return status;
 }
 
 RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
@@ -252,7 +271,7 @@ RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
       // A class that several types share is restored once.
       if (!seen.insert(foldName(step.key)).second) continue;
       steps.push_back(step);
-      keys.push_back({step.root, step.key, ""});
+      keys.push_back({step.root, step.key, associationFile(step.key)});
       extensions.push_back(items_[i].name);
     }
   }
@@ -269,7 +288,8 @@ RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
   };
   std::string message;
   const std::string keeper = keeperFolder(session_, folder_);
-  Status status = keep(keys, extensions, keeper, message);
+  const auto half = [&progress](int percent) { return !progress || progress(percent / 2); };
+  Status status = keep(keys, extensions, keeper, half, message);
   if (status != ERROR_SUCCESS) {
     return fail(status, fmt::format("What would be overwritten could not be saved first.{}{}",
                                     kCrLf, message));
@@ -278,7 +298,7 @@ RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
   status = change.status();
   for (std::size_t i = 0; i < steps.size() && status == ERROR_SUCCESS; ++i) {
     status = restoreSavedKey(session_, backer_, steps[i], message);
-    const auto percent = static_cast<int>(100 * (i + 1) / steps.size());
+    const auto percent = static_cast<int>(50 + 50 * (i + 1) / steps.size());
     if (status == ERROR_SUCCESS && progress && !progress(percent)) status = ERROR_CANCELLED;
   }
   session_.trace.dump("lRetVal&", status);
@@ -307,9 +327,10 @@ std::vector<FileType> savedAssociations(Session& session, const std::string& fol
     if (!entry.name.starts_with('.') || (entry.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
       continue;
     const FirstDefault first = readFirst(session, folder + '\\' + entry.name);
-    // Its own key decides, not its name.
-    if (!first.key.starts_with('.') || !sameName(associationFile(first.key), entry.name)) continue;
-    FileType type{first.key, first.text, ""};
+    // Its own key decides, not its name; but a damaged file must not go unnoticed.
+    const std::string key = first.key.empty() ? keyOfFile(entry.name) : first.key;
+    if (!key.starts_with('.') || !sameName(associationFile(key), entry.name)) continue;
+    FileType type{key, first.text, ""};
     const std::string classFile = folder + '\\' + associationFile(type.className);
     if (!type.className.empty() && session.files().exists(classFile)) {
       type.description = readFirst(session, classFile).text;

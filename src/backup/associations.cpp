@@ -4,10 +4,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
 #include "backup/folder_tree.h"
+#include "backup/key_batches.h"
 #include "platform/text/text.h"
 
 namespace korvex::backup {
@@ -17,29 +19,45 @@ using namespace platform;
 
 namespace {
 
-constexpr std::size_t kKeysAtOnce = 32;
-
 std::string defaultValue(Session& session, std::string_view key) {
   return session.regTool.GetRegStr(key, "", HKEY_CLASSES_ROOT);
 }
 
-bool isMissing(Session& session, const KeyBackup& key) {
-  return OpenKey(session.registry(), key.root, key.subKey, KEY_READ).status() ==
-         ERROR_FILE_NOT_FOUND;
+// The keys of a choice of types, each once, with their files in a folder.
+std::vector<KeyBackup> keysOf(std::span<const FileType> types, const std::string& folder) {
+  std::vector<KeyBackup> keys;
+  std::set<std::string> seen;
+  for (const FileType& type : types) {
+    for (const std::string* const key : {&type.className, &type.extension}) {
+      if (!seen.insert(foldName(*key)).second) continue;
+      keys.push_back({HKEY_CLASSES_ROOT, *key, folder + '\\' + associationFile(*key)});
+    }
+  }
+  return keys;
 }
 
-// The keys of a choice of extensions, each once, with their files.
-struct Choice {
-  std::vector<KeyBackup> keys;
-  std::vector<std::string> extensions;  // whose key it is; of a class its first extension
-  std::set<std::string> seen;           // folded
-
-  void add(const std::string& key, const std::string& extension, const std::string& folder) {
-    if (!seen.insert(foldName(key)).second) return;
-    keys.push_back({HKEY_CLASSES_ROOT, key, folder + '\\' + associationFile(key)});
-    extensions.push_back(extension);
+// Types of which a key could not be saved, with the reason, are not saved at all: an extension
+// without its class, or with an older one, would be half a backup.
+std::vector<FileType> dropFailed(std::span<const FileType> types, std::span<const KeyBackup> keys,
+                                 std::span<const KeyBackupResult> results,
+                                 std::vector<AssociationOutcome::Failed>& failed) {
+  std::map<std::string, std::string> reasons;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const bool isThere = results[i].status != ERROR_FILE_NOT_FOUND;
+    if (!results[i].saved && isThere) reasons[foldName(keys[i].subKey)] = results[i].message;
   }
-};
+  std::vector<FileType> whole;
+  for (const FileType& type : types) {
+    auto reason = reasons.find(foldName(type.extension));
+    if (reason == reasons.end()) reason = reasons.find(foldName(type.className));
+    if (reason == reasons.end()) {
+      whole.push_back(type);
+    } else {
+      failed.push_back({type.extension, reason->second});
+    }
+  }
+  return whole;
+}
 
 }  // namespace
 
@@ -82,73 +100,47 @@ AssociationOutcome exportAssociations(Session& session, RegistryBacker& backer,
                                       const std::string& folder, const Progress& progress) {
   session.trace.enter("[p_ExportFileAssociations]");
   AssociationOutcome outcome;
-  Files& files = session.files();
-  const auto fail = [&](Status status, std::string message) {
-    outcome.status = status;
-    outcome.message = std::move(message);
-    outcome.cancelled = status == ERROR_CANCELLED;
-    return outcome;
-  };
-  Choice choice;
+  std::vector<FileType> types;
   for (const std::string& extension : extensions) {
-    const FileType type{extension, defaultValue(session, extension), ""};
-    if (!type.canBeSaved()) {
+    FileType type{extension, defaultValue(session, extension), ""};
+    if (type.canBeSaved()) {
+      types.push_back(std::move(type));
+    } else {
       outcome.skipped.push_back(extension);
-      continue;
     }
-    outcome.saved.push_back(extension);
-    choice.add(type.className, extension, folder);
-    choice.add(extension, extension, folder);
   }
   // All is written beside the folder first: a cancel or a full disk leaves what was there.
+  const std::vector<KeyBackup> keys = keysOf(types, folder);
   const std::string staging = folder + ".kvxnew";
-  Status status = removeTree(files, staging);
-  if (status == ERROR_SUCCESS || status == ERROR_PATH_NOT_FOUND) {
-    status = files.createFolder(staging);
+  std::vector<KeyBackupResult> results;
+  outcome.status =
+      backupIntoFolder(session, backer, keys, staging, progress, results, outcome.message);
+  outcome.cancelled = outcome.status == ERROR_CANCELLED;
+  if (outcome.cancelled) outcome.message = "Cancelled. Nothing was saved.";
+  if (outcome.status != ERROR_SUCCESS) return outcome;
+
+  types = dropFailed(types, keys, results, outcome.failed);
+  std::set<std::string> whole;
+  for (const KeyBackup& key : keysOf(types, folder)) whole.insert(foldName(key.file));
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    if (!whole.contains(foldName(keys[i].file))) continue;
+    (results[i].saved ? outcome.keys : outcome.missing).push_back(keys[i]);
   }
-  if (status != ERROR_SUCCESS) {
-    return fail(status, fmt::format("{}: {}.", staging, describeStatus(status)));
-  }
-  for (std::size_t at = 0; at < choice.keys.size() && status == ERROR_SUCCESS; at += kKeysAtOnce) {
-    const std::size_t count = std::min(kKeysAtOnce, choice.keys.size() - at);
-    std::vector<KeyBackup> batch(choice.keys.begin() + static_cast<std::ptrdiff_t>(at),
-                                 choice.keys.begin() + static_cast<std::ptrdiff_t>(at + count));
-    for (KeyBackup& key : batch) key.file = staging + '\\' + fileName(key.file);
-    const std::vector<KeyBackupResult> results = backer.backupKeys(batch);
-    for (std::size_t i = 0; i < count && status == ERROR_SUCCESS; ++i) {
-      if (results[i].saved) {
-        outcome.keys.push_back(choice.keys[at + i]);
-      } else if (results[i].status == ERROR_FILE_NOT_FOUND &&
-                 isMissing(session, choice.keys[at + i])) {
-        outcome.missing.push_back(choice.keys[at + i]);
-      } else if (results[i].status == ERROR_DISK_FULL) {
-        status = fail(ERROR_DISK_FULL, results[i].message).status;
-      } else {
-        outcome.failed.push_back({choice.extensions[at + i], results[i].message});
-      }
-    }
-    const auto percent = static_cast<int>(90 * (at + count) / choice.keys.size());
-    if (status == ERROR_SUCCESS && progress && !progress(percent)) {
-      status = fail(ERROR_CANCELLED, "Cancelled. Nothing was saved.").status;
-    }
-  }
-  if (status == ERROR_SUCCESS) {
-    status = files.createFolder(folder);
-    if (status == ERROR_ALREADY_EXISTS) status = ERROR_SUCCESS;
-  }
-  for (const KeyBackup& key : outcome.keys) {
-    if (status != ERROR_SUCCESS) break;
-    const std::string from = staging + '\\' + fileName(key.file);
-    status = files.exists(key.file) ? copyOver(files, from, key.file) : files.move(from, key.file);
-    if (status != ERROR_SUCCESS) {
-      fail(status, fmt::format("{}: {}.", key.file, describeStatus(status)));
-    }
+  Files& files = session.files();
+  outcome.status = files.createFolder(folder);
+  if (outcome.status == ERROR_ALREADY_EXISTS) outcome.status = ERROR_SUCCESS;
+  if (outcome.status != ERROR_SUCCESS) {
+    outcome.message = fmt::format("{}: {}.", folder, describeStatus(outcome.status));
+  } else {
+    outcome.status = publishFiles(files, staging, outcome.keys, outcome.message);
   }
   removeTree(files, staging);
-  if (status != ERROR_SUCCESS) {
-    outcome.saved.clear();
+  if (outcome.status != ERROR_SUCCESS) {
     outcome.keys.clear();
+    outcome.missing.clear();
+    return outcome;
   }
+  for (const FileType& type : types) outcome.saved.push_back(type.extension);
   return outcome;
 }
 
