@@ -71,7 +71,8 @@ frmFA::frmFA(foundation::Session& session, forms::FormBook& formBook,
        Layout::row({Layout::space(), of(cmdApply), of(cmdRestore), of(cmdDone)})});
   on(cboShow.Click, "cboShow_Click", &frmFA::p_InitializeFileAssoc);
   on(txtFilter.Change, "txtFilter_Change", &frmFA::fillList);
-  on(cboTemplates.Change, "cboTemplates_Change", &frmFA::cboTemplates_Change);
+  on(cboTemplates.Click, "cboTemplates_Click", &frmFA::cboTemplates_Click);
+  on(cboTemplates.Change, "cboTemplates_Change", &frmFA::showWhatIsTicked);
   on(cmdSelectAll.Click, "cmdSelectAll_Click", &frmFA::cmdSelectAll_Click);
   on(cmdClearAll.Click, "cmdClearAll_Click", &frmFA::cmdClearAll_Click);
   on(cmdRemoveTemplate.Click, "cmdRemoveTemplate_Click", &frmFA::cmdRemoveTemplate_Click);
@@ -110,6 +111,7 @@ void frmFA::P_InitializeListWithTemplates() {
   cboTemplates.Clear();
   for (const std::string& name : backup::associationTemplates(session_)) cboTemplates.AddItem(name);
   cboTemplates.Text = text;
+  cboTemplates.ListIndex = namedTemplate();
   filling_ = false;
   showWhatIsTicked();
 }
@@ -146,41 +148,45 @@ void frmFA::fillList() {
 }
 
 void frmFA::showWhatIsTicked() {
+  if (filling_) return;
   cmdApply.Enabled = showsRegistered() && !ticked_.empty();
   cmdRestore.Enabled = !showsRegistered() && !ticked_.empty();
   cmdClearAll.Enabled = !ticked_.empty();
   cmdSelectAll.Enabled = !shown_.empty();
-  const auto& names = cboTemplates.items();
-  cmdRemoveTemplate.Enabled = std::ranges::find(names, cboTemplates.Text.get()) != names.end();
+  cmdRemoveTemplate.Enabled = namedTemplate() >= 0;
   StatusText = types_.empty() && !showsRegistered()
                    ? std::string("Nothing has been saved yet.")
                    : fmt::format("{} of {} ticked", ticked_.size(), counted(types_.size(), "type"));
 }
 
-// A template that is there ticks its types; any other text is the name of one to come.
-void frmFA::cboTemplates_Change() {
-  if (filling_) return;
-  const auto& names = cboTemplates.items();
+// A template that is chosen ticks its types. One that is typed does not: on the way to a new name
+// stand others, and they must not take the marks away.
+void frmFA::cboTemplates_Click() {
+  if (filling_ || cboTemplates.ListIndex < 0) return;
   std::vector<std::string> extensions;
-  if (std::ranges::find(names, cboTemplates.Text.get()) != names.end()) {
-    const Status status = backup::readTemplate(session_, cboTemplates.Text.get(), extensions);
-    if (status != ERROR_SUCCESS) {
-      tell(fmt::format("The template {} cannot be read: {}.", cboTemplates.Text.get(),
-                       describeStatus(status)),
-           kIconExclamation);
-    } else {
-      ticked_.clear();
-      for (const FileType& type : types_) {
-        const auto same = [&](const std::string& one) { return sameName(one, type.extension); };
-        const bool chosen = std::ranges::any_of(extensions, same);
-        if (chosen && (!showsRegistered() || type.canBeSaved())) {
-          ticked_.insert(foldName(type.extension));
-        }
-      }
-      fillList();
+  const std::string name = cboTemplates.Text;
+  const Status status = backup::readTemplate(session_, name, extensions);
+  if (status != ERROR_SUCCESS) {
+    tell(fmt::format("The template {} cannot be read: {}.", name, describeStatus(status)),
+         kIconExclamation);
+    return;
+  }
+  ticked_.clear();
+  for (const FileType& type : types_) {
+    const auto same = [&](const std::string& one) { return sameName(one, type.extension); };
+    const bool chosen = std::ranges::any_of(extensions, same);
+    if (chosen && (!showsRegistered() || type.canBeSaved())) {
+      ticked_.insert(foldName(type.extension));
     }
   }
-  showWhatIsTicked();
+  fillList();
+}
+
+int frmFA::namedTemplate() const {
+  const auto& names = cboTemplates.items();
+  const auto found = std::ranges::find_if(
+      names, [this](const std::string& name) { return sameName(name, cboTemplates.Text.get()); });
+  return found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 
 void frmFA::cmdSelectAll_Click() {
@@ -237,6 +243,12 @@ bool frmFA::saveTemplate() {
   const std::string wrong = backup::whyNoTemplateName(name);
   if (!wrong.empty()) {
     tell(wrong, kIconInformation);
+    return false;
+  }
+  const bool replaces = namedTemplate() >= 0 && cboTemplates.ListIndex < 0;
+  if (replaces && session_.prompts().messageBox(
+                      fmt::format("There is a template {}. Replace it?", name),
+                      kButtonsYesNo | kIconQuestion, foundation::kAppTitle) != Answer::Yes) {
     return false;
   }
   std::vector<std::string> extensions;

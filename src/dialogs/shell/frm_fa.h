@@ -49,7 +49,9 @@ class frmFA : public forms::Form {
   void p_InitializeFileAssoc();
   void fillList();
   void showWhatIsTicked();
-  void cboTemplates_Change();
+  void cboTemplates_Click();
+  // The template that cboTemplates names, in whatever case; -1 for none.
+  int namedTemplate() const;
   void cmdSelectAll_Click();
   void cmdClearAll_Click();
   void cmdRemoveTemplate_Click();
