@@ -1,8 +1,9 @@
 // ConfigSet: the record of one saved set of configuration.
 //
 // It stands under HKEY_LOCAL_MACHINE SOFTWARE\Korvex\Registry\NAME and, exported, as profile.kvx in
-// the set's folder. What a set holds is listed file by file, with a checksum: a restore knows what
-// is missing or damaged, and what was not there when the set was saved.
+// the set's folder. What the set holds is listed there in contents.dat, file by file, with
+// checksums: a restore knows what is missing or damaged, and what was not there when the set was
+// saved. (A key of Windows 98 holds 64 KB of values: too little for the list.)
 #pragma once
 
 #include <cstdint>
@@ -16,6 +17,7 @@ namespace korvex::backup {
 
 constexpr std::string_view kSetsKey = "SOFTWARE\\Korvex\\Registry";
 constexpr std::string_view kProfileFile = "profile.kvx";
+constexpr std::string_view kContentsFile = "contents.dat";
 
 struct SetEntry {
   enum class Kind : char {
@@ -41,6 +43,7 @@ struct ConfigSet {
   std::string computer;
   std::string user;
   std::vector<std::string> tags;  // of the categories that it holds
+  std::string contents;           // size and checksum of contents.dat: "1234|0123456789abcdef"
   std::vector<SetEntry> entries;
 
   bool holds(std::string_view tag) const;
@@ -54,15 +57,22 @@ std::string saveFolder(foundation::Session& session);
 
 // The records in the registry, sorted by name.
 std::vector<std::string> savedSets(foundation::Session& session);
-// 2: no such record; 13: it cannot be understood, message says what is wrong.
+// 2: no such record. What contents.dat lists is not among it.
 platform::Status readRecord(foundation::Session& session, std::string_view name, ConfigSet& set,
                             std::string& message);
 platform::Status writeRecord(foundation::Session& session, const ConfigSet& set);
 platform::Status deleteRecord(foundation::Session& session, std::string_view name);
 
-// The record in a profile.kvx, whoever made it: nothing in it is believed that could lead out of
-// its folder or to another place of the machine. The set's folder is that of the file.
+// The record in a profile.kvx, whoever made it, and the list beside it: nothing in them is believed
+// that could lead out of their folder or to another place of the machine. The set's folder is that
+// of the file. 13: something of it cannot be understood, or the list is not the one that was saved.
 platform::Status readProfile(foundation::Session& session, std::string_view file, ConfigSet& set,
                              std::string& message);
+// Writes the list into that folder, and its size and checksum into the set.
+platform::Status writeContents(foundation::Session& session, const std::string& folder,
+                               ConfigSet& set);
+
+// A path below a set's folder, by whose name nothing else can be meant.
+bool isFileInSet(std::string_view file);
 
 }  // namespace korvex::backup

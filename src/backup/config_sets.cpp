@@ -84,12 +84,11 @@ Status ConfigSets::find(std::string_view nameOrProfile, ConfigSet& set, std::str
     // The folder tells what is in it now; the record, where it is.
     const std::string folder = presentFolder(session_.files(), set.folder);
     ConfigSet present;
-    std::string ignored;
-    if (readProfile(session_, joined(folder, kProfileFile), present, ignored) == ERROR_SUCCESS &&
-        sameName(present.name, set.name)) {
+    const Status read = readProfile(session_, joined(folder, kProfileFile), present, message);
+    if (read == ERROR_INVALID_DATA) return read;
+    if (read == ERROR_SUCCESS && sameName(present.name, set.name)) {
       present.name = set.name;
       set = std::move(present);
-      return ERROR_SUCCESS;
     }
     return status;
   }
@@ -150,6 +149,7 @@ EraseOutcome ConfigSets::erase(const ConfigSet& set, bool recordOnly) {
     }
   }
   removeFile(files, joined(aside, kBookmarksFile));
+  removeFile(files, joined(aside, kContentsFile));
   removeFile(files, joined(aside, kProfileFile));
   std::vector<TreeEntry> left;
   listTree(files, aside, left);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "backup/associations.h"
@@ -42,6 +43,9 @@ struct Step {
   std::string name;   // in the set, for the keeper
   std::uint32_t attributes = 0;
 };
+
+// Name and text of each line "NAME=TEXT", by folded name.
+using Lines = std::map<std::string, std::pair<std::string, std::string>>;
 
 struct Plan {
   const Category* category = nullptr;
@@ -82,8 +86,10 @@ class SetOffer : public RestoreOffer {
     return fmt::format("{}\\{}", set_.folder, file);
   }
 
+  static void addTargets(const std::vector<Step>& steps, std::vector<SourceFile>& files);
   SaveOutcome keep(const std::vector<bool>& chosen, const Progress& progress);
   Status doStep(const Step& step, Files& files, std::string& message);
+  Lines savedLists(const std::string& file);
   Status writePasswordLists(const Step& step, Files& files);
 
   Session& session_;
@@ -221,11 +227,11 @@ void SetOffer::compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan)
   plan.steps.push_back(std::move(step));
 }
 
-// The lines of the section that the file keeps, by folded name.
-std::map<std::string, std::pair<std::string, std::string>> linesOf(std::string_view lines) {
-  std::map<std::string, std::pair<std::string, std::string>> result;
+// The lines of the section, by folded name.
+Lines linesOf(std::string_view lines) {
+  Lines result;
   while (!lines.empty()) {
-    const std::string_view line = lines.substr(0, lines.find_first_of(std::string_view("\n\0", 2)));
+    const std::string_view line = lines.substr(0, lines.find_first_of(std::string_view("\r\n")));
     lines.remove_prefix(std::min(lines.size(), line.size() + 1));
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) continue;
@@ -235,14 +241,19 @@ std::map<std::string, std::pair<std::string, std::string>> linesOf(std::string_v
   return result;
 }
 
+// UTF-8, as the save wrote it; the profile functions would take it for the machine's code page.
+Lines SetOffer::savedLists(const std::string& file) {
+  std::string text;
+  return files_.read(file, text) == ERROR_SUCCESS ? linesOf(text) : Lines();
+}
+
 void SetOffer::comparePasswordLists(const SetEntry& entry, RestoreItem& item, Plan& plan) {
   if (session_.g_bNT) {
     item.problems.push_back(fmt::format("{}: this Windows keeps no password lists.", entry.file));
     return;
   }
   if (!isWhole(entry, item)) return;
-  const auto wanted = linesOf(session_.machine().initFiles().GetPrivateProfileSectionA(
-      "Password Lists", inFolder(entry.file)));
+  const auto wanted = savedLists(inFolder(entry.file));
   if (wanted == linesOf(passwordLists(session_))) return;
   Step step;
   step.kind = Step::Kind::WritePasswordLists;
@@ -257,11 +268,12 @@ void SetOffer::comparePasswordLists(const SetEntry& entry, RestoreItem& item, Pl
 void SetOffer::findExtraFiles(RestoreItem& item, Plan& plan) {
   std::vector<SourceFile> present;
   if (findFiles(session_, *plan.category, present) != ERROR_SUCCESS) return;
+  std::set<std::string> known;
+  for (const SetEntry& entry : set_.entries) {
+    if (sameName(entry.tag, item.name)) known.insert(foldName(entry.file));
+  }
   for (auto file = present.rbegin(); file != present.rend(); ++file) {
-    const auto same = [&](const SetEntry& entry) {
-      return sameName(entry.tag, item.name) && sameName(entry.file, file->file);
-    };
-    if (!ownsItsFolder(*plan.category, *file) || std::ranges::any_of(set_.entries, same)) continue;
+    if (!ownsItsFolder(*plan.category, *file) || known.contains(foldName(file->file))) continue;
     Step step;
     step.kind = Step::Kind::DeleteFile;
     step.name = file->file;
@@ -269,6 +281,26 @@ void SetOffer::findExtraFiles(RestoreItem& item, Plan& plan) {
     step.attributes = file->attributes;
     addChange(item, {RestoreChange::Kind::DeletedFile, step.place, "", "", ""});
     plan.steps.push_back(std::move(step));
+  }
+}
+
+// The files that the steps touch, where they are not among the category's own now.
+void SetOffer::addTargets(const std::vector<Step>& steps, std::vector<SourceFile>& files) {
+  std::set<std::string> places;
+  std::set<std::string> names;
+  for (const SourceFile& file : files) {
+    places.insert(foldName(file.place));
+    names.insert(foldName(file.file));
+  }
+  for (const Step& step : steps) {
+    const bool isFile = step.kind == Step::Kind::PutFile || step.kind == Step::Kind::DeleteFile;
+    if (!isFile || !places.insert(foldName(step.place)).second) continue;
+    std::string name = step.name;
+    const std::string folder = parentFolder(name).empty() ? "" : parentFolder(name) + '\\';
+    for (int number = 2; !names.insert(foldName(name)).second; ++number) {
+      name = fmt::format("{}{}_{}", folder, number, fileName(step.name));
+    }
+    files.push_back({step.place, name, step.attributes, 0});
   }
 }
 
@@ -300,18 +332,7 @@ SaveOutcome SetOffer::keep(const std::vector<bool>& chosen, const Progress& prog
         category.keys.push_back({key.root, key.key, entry.file});
       }
     }
-    for (const Step& step : plans_[i].steps) {
-      const auto same = [&](const SourceFile& file) { return sameName(file.place, step.place); };
-      const bool isFile = step.kind == Step::Kind::PutFile || step.kind == Step::Kind::DeleteFile;
-      if (!isFile || std::ranges::any_of(category.files, same)) continue;
-      std::string name = step.name;
-      const auto taken = [&](const SourceFile& file) { return sameName(file.file, name); };
-      for (int number = 2; std::ranges::any_of(category.files, taken); ++number) {
-        name = fmt::format("{}\\{}_{}", parentFolder(step.name), number, fileName(step.name));
-        if (name.front() == '\\') name.erase(0, 1);
-      }
-      category.files.push_back({step.place, name, step.attributes, 0});
-    }
+    addTargets(plans_[i].steps, category.files);
     job.categories.push_back(std::move(category));
   }
   return writeSet(session_, backer_, job, progress);
@@ -323,7 +344,7 @@ Status SetOffer::writePasswordLists(const Step& step, Files& files) {
   std::string before;
   Status status = files.read(step.place, before);
   if (status == ERROR_SUCCESS) status = files.replace(step.place, before);
-  const auto wanted = linesOf(ini.GetPrivateProfileSectionA("Password Lists", step.file));
+  const auto wanted = savedLists(step.file);
   const auto present = linesOf(passwordLists(session_));
   const auto write = [&](const std::string& name, std::optional<std::string_view> value) {
     if (status == ERROR_SUCCESS) {

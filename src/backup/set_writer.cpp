@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <set>
 #include <utility>
 
 #include "backup/associations.h"
@@ -49,7 +50,11 @@ class SetWriter {
         progress_(progress),
         folder_(job.folder + std::string(kNew)) {
     for (const CategoryJob& category : job.categories) units_ += weightOf(category);
+    backer_.doEvents = [this] { return report(0) == ERROR_SUCCESS; };
   }
+  ~SetWriter() { backer_.doEvents = nullptr; }
+  SetWriter(const SetWriter&) = delete;
+  SetWriter& operator=(const SetWriter&) = delete;
 
   SaveOutcome run() {
     session_.trace.enter("[cmdSave]");
@@ -310,11 +315,11 @@ class SetWriter {
     if (!replaces_) return ERROR_SUCCESS;
     std::vector<TreeEntry> entries;
     Status status = listTree(files_, job_.folder, entries);
+    std::set<std::string> known{foldName(kProfileFile), foldName(kContentsFile),
+                                foldName(kBookmarksFile)};
+    for (const SetEntry& entry : old_.entries) known.insert(foldName(entry.file));
     for (const TreeEntry& entry : entries) {
-      const auto same = [&entry](const SetEntry& one) { return sameName(one.file, entry.path); };
-      const bool own = entry.isFolder() || sameName(entry.path, kProfileFile) ||
-                       sameName(entry.path, kBookmarksFile) ||
-                       std::ranges::any_of(old_.entries, same);
+      const bool own = entry.isFolder() || known.contains(foldName(entry.path));
       if (own || status != ERROR_SUCCESS || files_.exists(inFolder(entry.path))) continue;
       status = copyOver(files_, job_.folder + '\\' + entry.path, inFolder(entry.path));
     }
@@ -328,8 +333,9 @@ class SetWriter {
     set_.windows = session_.g_sOSName;
     set_.computer = session_.machine().systemInfo().GetComputerNameA();
     set_.user = session_.g_sCurrentUser;
+    Status status = writeContents(session_, folder_, set_);
     RegistryChange change(session_.registry());
-    Status status = change.status();
+    if (status == ERROR_SUCCESS) status = change.status();
     if (status == ERROR_SUCCESS) status = writeRecord(session_, set_);
     if (status == ERROR_SUCCESS) status = writeProfile();
     if (status == ERROR_SUCCESS) status = report(units_);

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <utility>
+#include <vector>
 
 #include "backup/config_set.h"
 #include "backup/folder_tree.h"
@@ -92,6 +93,7 @@ class Taking {
     }
     const std::string staged = inFolder(staging_, backup::kProfileFile);
     if (status == ERROR_SUCCESS) status = files_.replace(staged, profileBytes_);
+    if (status == ERROR_SUCCESS) status = stageFile(std::string(backup::kContentsFile));
     if (status != ERROR_SUCCESS) return status;
     status = backup::readProfile(session_, staged, set_, result_.message);
     if (status != ERROR_SUCCESS) {
@@ -114,18 +116,22 @@ class Taking {
   Status stageEntry(const backup::SetEntry& entry) {
     using Kind = backup::SetEntry::Kind;
     if (entry.kind == Kind::NoKey || entry.kind == Kind::NoFile) return ERROR_SUCCESS;
-    const std::string target = inFolder(staging_, entry.file);
-    if (entry.kind == Kind::Folder) return makeFolder(target);
+    return entry.kind == Kind::Folder ? makeFolder(inFolder(staging_, entry.file))
+                                      : stageFile(entry.file);
+  }
+
+  Status stageFile(const std::string& file) {
+    const std::string target = inFolder(staging_, file);
     const fs::path folder = profile_.has_parent_path() ? profile_.parent_path() : fs::path(".");
-    const auto source = hostPath(folder, entry.file);
+    const auto source = hostPath(folder, file);
     if (!source) return ERROR_SUCCESS;
     std::string bytes;
     Status status = readHostFile(*source, bytes);
     if (status == ERROR_INVALID_DATA) {
-      return refuse(status, fmt::format("{} is larger than 64 MiB.", entry.file));
+      return refuse(status, fmt::format("{} is larger than 64 MiB.", file));
     }
     if (status != ERROR_SUCCESS) {
-      return refuse(status, fmt::format("{}: {}.", entry.file, describeStatus(status)));
+      return refuse(status, fmt::format("{}: {}.", file, describeStatus(status)));
     }
     status = makeFolder(backup::parentFolder(target));
     return status == ERROR_SUCCESS ? files_.replace(target, bytes) : status;
@@ -145,13 +151,15 @@ class Taking {
 
   // Files of it may have been missing or damaged the last time.
   Status refresh(const std::string& folder) {
-    for (const backup::SetEntry& entry : set_.entries) {
-      const std::string staged = inFolder(staging_, entry.file);
+    std::vector<std::string> files{std::string(backup::kContentsFile)};
+    for (const backup::SetEntry& entry : set_.entries) files.push_back(entry.file);
+    for (const std::string& file : files) {
+      const std::string staged = inFolder(staging_, file);
       std::uint32_t attributes = 0;
       const bool isFile = files_.attributes(staged, attributes) == ERROR_SUCCESS &&
                           (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
       if (!isFile) continue;
-      const Status status = backup::copyOver(files_, staged, inFolder(folder, entry.file));
+      const Status status = backup::copyOver(files_, staged, inFolder(folder, file));
       if (status != ERROR_SUCCESS) return status;
     }
     result_.copied = true;

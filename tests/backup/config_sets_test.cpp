@@ -89,8 +89,8 @@ TEST_F(Sets, ASaveIsAFolderARecordAndAProfileThatSaysTheSame) {
   std::set<std::string> names;
   for (const std::string& name : run_.names("C:\\Saves\\Work")) names.insert(name);
   names.erase("curcolor.reg");  // not every Windows has a current scheme
-  EXPECT_EQ((std::set<std::string>{"appear.reg", "colors.reg", "cuscolor.reg", "Cursor",
-                                   "cursors.reg", "profile.kvx"}),
+  EXPECT_EQ((std::set<std::string>{"appear.reg", "colors.reg", "contents.dat", "cuscolor.reg",
+                                   "Cursor", "cursors.reg", "profile.kvx"}),
             names);
   const ConfigSet fromRecord = find("work");
   const ConfigSet fromProfile = find("C:\\Saves\\Work\\profile.kvx");
@@ -103,7 +103,7 @@ TEST_F(Sets, ASaveIsAFolderARecordAndAProfileThatSaysTheSame) {
 
   // Without any category there is the record alone.
   ASSERT_EQ(0, sets_.save(request("Nothing", {}), {}).status);
-  EXPECT_EQ(Names{"profile.kvx"}, run_.names("C:\\Saves\\Nothing"));
+  EXPECT_EQ((Names{"contents.dat", "profile.kvx"}), run_.names("C:\\Saves\\Nothing"));
 }
 
 TEST_F(Sets, SavingAgainReplacesTheSetAndKeepsWhatPeoplePutThere) {
@@ -235,7 +235,7 @@ TEST_F(Sets, ErasingTakesTheSetsOwnFilesAndNoOthers) {
   hostile.name = "Hostile";
   hostile.folder = "C:\\WINDOWS";
   hostile.tags = {"CursorConfig"};
-  hostile.entries = {{SetEntry::Kind::File, "CursorConfig", "WIN.INI", 1, 1, "C:\\x.cur"}};
+  hostile.contents = "1|0000000000000001";
   ASSERT_EQ(0, writeRecord(run_.session, hostile));
   ASSERT_EQ(0, sets_.erase(find("Hostile"), false).status);
   EXPECT_TRUE(run_.machine->files().exists("C:\\WINDOWS\\WIN.INI"));
@@ -244,18 +244,17 @@ TEST_F(Sets, ErasingTakesTheSetsOwnFilesAndNoOthers) {
 // One profile.kvx by hand, with one line of its list of files.
 class HandMade : public Sets {
  protected:
-  std::string profile(const std::string& name, const std::string& file, const std::string& line) {
-    const auto escaped = [](const std::string& text) {
-      std::string result;
-      for (const char c : text) result += c == '\\' ? std::string("\\\\") : std::string(1, c);
-      return result;
-    };
-    return fmt::format(
-        "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex\\Registry\\{0}]\r\n"
-        "\"Path\"=\"C:\\\\WINDOWS\"\r\n\"CursorConfig\"=dword:1\r\n\"DesktopConfig\"=dword:1\r\n"
-        "\"DUNConfig\"=dword:1\r\n\"IEFavConfig\"=dword:1\r\n\"FAConfig\"=dword:1\r\n\r\n"
-        "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex\\Registry\\{0}\\Files]\r\n\"{1}\"=\"{2}\"\r\n",
-        name, escaped(file), escaped(line));
+  // A profile.kvx, with the list beside it that it vouches for.
+  void putProfile(const std::string& name, const std::string& line, const std::string& more = "") {
+    const std::string contents = measured("contents.dat", "[Files]\r\n" + line + "\r\n");
+    run_.write(
+        "C:\\Bad\\profile.kvx",
+        fmt::format("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex\\Registry\\{}]\r\n"
+                    "\"Path\"=\"C:\\\\WINDOWS\"\r\n\"Contents\"=\"{}\"\r\n"
+                    "\"CursorConfig\"=dword:1\r\n\"DesktopConfig\"=dword:1\r\n"
+                    "\"DUNConfig\"=dword:1\r\n\"IEFavConfig\"=dword:1\r\n"
+                    "\"FAConfig\"=dword:1\r\n{}",
+                    name, contents, more));
   }
   // Size and checksum of the bytes, as a record has them.
   std::string measured(const std::string& file, const std::string& bytes) {
@@ -268,31 +267,42 @@ class HandMade : public Sets {
 };
 
 TEST_F(HandMade, ProfilesThatLeadElsewhereAreNoProfiles) {
-  const std::string good = "F|CursorConfig|4|0000000000000000|C:\\WINDOWS\\CURSORS\\a.cur";
-  const std::vector<std::string> bad{
-      profile("x", "..\\..\\WINDOWS\\WIN.INI", good),
-      profile("x", "C:\\WINDOWS\\WIN.INI", good),
-      profile("x", "\\\\server\\share", good),
-      profile("x", "Cursor\\NUL.cur", good),
-      profile("..", "Cursor\\a.cur", good),
-      profile("a\\b\\c", "Cursor\\a.cur", good),
-      profile("x", "Cursor\\a.cur", "F|NoSuchConfig|4|0|C:\\a.cur"),
-      profile("x", "Cursor\\a.cur", "X|CursorConfig|4|0|C:\\a.cur"),
-      profile("x", "Cursor\\a.cur", "F|CursorConfig|-4|0|C:\\a.cur"),
-      profile("x", "Cursor\\a.cur", good) +
-          "\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run]\r\n"
-          "\"bad\"=\"bad.exe\"\r\n",
-      "[-HKEY_LOCAL_MACHINE\\SOFTWARE]\r\n",
-      "MZ",
-      ""};
-  for (const std::string& text : bad) {
-    run_.write("C:\\Bad\\profile.kvx", text);
+  const auto expectNone = [&](const std::string& what) {
     ConfigSet set;
     std::string message;
-    EXPECT_EQ(ERROR_INVALID_DATA, sets_.find("C:\\Bad\\profile.kvx", set, message)) << text;
+    EXPECT_EQ(ERROR_INVALID_DATA, sets_.find("C:\\Bad\\profile.kvx", set, message)) << what;
     EXPECT_NE("", message);
+  };
+  const std::string start = "F|CursorConfig|4|0000000000000000|";
+  const std::string good = start + "Cursor\\a.cur|C:\\WINDOWS\\CURSORS\\a.cur";
+  for (const char* const file : {"..\\..\\WINDOWS\\WIN.INI", "C:\\WINDOWS\\WIN.INI",
+                                 "\\\\server\\share", "Cursor\\NUL.cur", "Cursor\\\\a.cur", ""}) {
+    putProfile("x", start + file + "|C:\\WINDOWS\\CURSORS\\a.cur");
+    expectNone(file);
   }
-  run_.write("C:\\Bad\\profile.kvx", profile("x", "Cursor\\a.cur", good));
+  for (const char* const line :
+       {"F|NoSuchConfig|4|0|Cursor\\a.cur|C:\\a.cur", "X|CursorConfig|4|0|Cursor\\a.cur|C:\\a.cur",
+        "F|CursorConfig|-4|0|Cursor\\a.cur|C:\\a.cur", "F|CursorConfig"}) {
+    putProfile("x", line);
+    expectNone(line);
+  }
+  for (const char* const name : {"..", "a\\b", "a:b", ""}) {
+    putProfile(name, good);
+    expectNone(name);
+  }
+  putProfile("x", good,
+             "\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run]\r\n"
+             "\"bad\"=\"bad.exe\"\r\n");
+  expectNone("a key of Windows");
+  putProfile("x", good, "\r\n[-HKEY_LOCAL_MACHINE\\SOFTWARE]\r\n");
+  expectNone("a key of Windows to be deleted");
+  putProfile("x", good);
+  run_.write("C:\\Bad\\contents.dat", "[Files]\r\n" + good + "\r\n" + good + "\r\n");
+  expectNone("another list");
+  run_.write("C:\\Bad\\profile.kvx", "MZ");
+  expectNone("a program");
+
+  putProfile("x", good);
   EXPECT_EQ("C:\\Bad", find("C:\\Bad").folder) << "the path in a profile is not believed";
 }
 
@@ -314,9 +324,8 @@ TEST_F(HandMade, AFileGoesOnlyWhereItsCategoryHasFiles) {
   for (const Case& one : cases) {
     std::string before;
     run_.machine->files().read(one.target, before);
-    const std::string line =
-        fmt::format("F|{}|{}|{}", one.tag, measured(one.file, "evil"), one.place);
-    run_.write("C:\\Bad\\profile.kvx", profile("Bad", one.file, line));
+    putProfile("Bad", fmt::format("F|{}|{}|{}|{}", one.tag, measured(one.file, "evil"), one.file,
+                                  one.place));
     const ConfigSet set = find("C:\\Bad\\profile.kvx");
     EXPECT_NE("", problemsOf(set)) << one.file;
     restore(set);
@@ -348,9 +357,8 @@ TEST_F(HandMade, AKeyGoesOnlyWhereItsCategoryHasKeys) {
       {"FA\\x.reg", "FAConfig", "HKEY_LOCAL_MACHINE\\x", reg("HKEY_LOCAL_MACHINE\\x")}};
   const State before = colorsAndCursors();
   for (const Case& one : cases) {
-    const std::string line =
-        fmt::format("K|{}|{}|{}", one.tag, measured(one.file, one.text), one.place);
-    run_.write("C:\\Bad\\profile.kvx", profile("Bad", one.file, line));
+    putProfile("Bad", fmt::format("K|{}|{}|{}|{}", one.tag, measured(one.file, one.text), one.file,
+                                  one.place));
     const ConfigSet set = find("C:\\Bad\\profile.kvx");
     EXPECT_NE("", problemsOf(set)) << one.place;
     restore(set);
@@ -386,6 +394,22 @@ TEST_F(Sets, ASetOfAnotherWindowsIsRestoredAsFarAsItFits) {
   EXPECT_NE(std::string::npos, offer->items()[2].problems.at(0).find("LanmanServer"));
   ASSERT_EQ(0, offer->restore({true, true, true}, {}).status);
   EXPECT_EQ("\"1 2 3\"", other.view().value(kColors, "Window"));
+}
+
+// More files than a key of Windows 98 could list.
+TEST_F(Sets, HundredsOfFavoritesAreSavedAndComeBack) {
+  const std::string folder = run_.session.pd.FavoritesPath + "\\Many";
+  ASSERT_EQ(0, run_.machine->files().createFolder(folder));
+  for (int i = 0; i < 650; ++i) {
+    const std::string file =
+        fmt::format("{}\\A page with quite a long name, number {}.url", folder, i);
+    ASSERT_EQ(0, run_.machine->files().replace(file, "[InternetShortcut]"));
+  }
+  const SaveOutcome saved = sets_.save(request("Many", {"IEFavConfig"}), {});
+  ASSERT_EQ(0, saved.status) << saved.message;
+  ASSERT_EQ(0, removeTree(run_.machine->files(), folder));
+  ASSERT_EQ(0, restore(find("Many")).status);
+  EXPECT_EQ(650U, run_.names(folder).size());
 }
 
 TEST_F(Sets, NamesOfSetsAreNamesOfFolders) {

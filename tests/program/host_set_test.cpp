@@ -1,9 +1,13 @@
 // Sets that lie outside the machine.
 #include "program/host_set.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "backup/config_sets.h"
+#include "backup/folder_tree.h"
 #include "backup/registry_backer.h"
 #include "main_window/start_up.h"
 #include "support/machines.h"
@@ -26,13 +30,21 @@ class HostSets : public testing::Test {
   fs::path host() const { return machine.folder().parent_path() / "host"; }
   fs::path folder() const { return machine.driveC() / "Program Files/Korvex/Registry"; }
   HostSet take() { return takeHostSet(session, host() / "profile.kvx"); }
-  // A record with one more file; written as anybody could.
-  void addToProfile(const std::string& line) {
-    std::string text;
-    machine->files().read("C:\\Saves\\Look\\profile.kvx", text);
-    std::ofstream(host() / "profile.kvx", std::ios::binary)
-        << text << "\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvex\\Registry\\Look\\Files]\r\n"
-        << line;
+  // A list with one more file, vouched for by the record; as anybody could write them.
+  void addToContents(const std::string& line) {
+    std::string list;
+    std::string record;
+    machine->files().read("C:\\Saves\\Look\\contents.dat", list);
+    machine->files().read("C:\\Saves\\Look\\profile.kvx", record);
+    list += line + "\r\n";
+    std::uint64_t size = 0;
+    std::uint64_t checksum = 0;
+    EXPECT_EQ(0, machine->files().replace("C:\\list", list));
+    EXPECT_EQ(0, backup::measure(machine->files(), "C:\\list", size, checksum));
+    record = std::regex_replace(record, std::regex(R"("Contents"="[^"]*")"),
+                                fmt::format("\"Contents\"=\"{}|{:016x}\"", size, checksum));
+    std::ofstream(host() / "contents.dat", std::ios::binary) << list;
+    std::ofstream(host() / "profile.kvx", std::ios::binary) << record;
   }
 
   test::TestMachine machine{"windows-98"};
@@ -78,10 +90,11 @@ TEST_F(HostSets, NothingIsTakenThatDoesNotBelongToIt) {
   HostSet set = take();
   EXPECT_TRUE(set.status != 0 || !fs::exists(folder() / "Look/colors.reg"));
   fs::remove_all(folder());
-  addToProfile("\"..\\\\secret\"=\"F|ColorConfig|6|0|C:\\\\x\"\r\n");
+  addToContents("F|ColorConfig|6|0|..\\secret|C:\\x");
   set = take();
   EXPECT_NE(0, set.status);
   EXPECT_TRUE(set.message.starts_with((host() / "profile.kvx").string())) << set.message;
+  EXPECT_NE(std::string::npos, set.message.find("cannot be understood")) << set.message;
   // The record itself by a link.
   fs::remove(host() / "profile.kvx");
   fs::create_symlink(machine.driveC() / "Saves/Look/profile.kvx", host() / "other.kvx");
