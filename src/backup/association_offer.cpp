@@ -1,20 +1,15 @@
-// Saved file types: what is in a folder, what restoring would change, and doing it.
-//
-// "keys.dat" in a folder that a restore has made lists the keys that it saved, under "[Kept]", and
-// those that were not there then, under "[Absent]", each with its extension: "txtfile=.txt".
+// What restoring saved file types would change, and doing it.
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <set>
 #include <utility>
 
+#include "backup/association_files.h"
 #include "backup/associations.h"
 #include "backup/folder_tree.h"
 #include "backup/key_batches.h"
 #include "backup/key_restore.h"
-#include "platform/text/reg_names.h"
-#include "platform/text/reg_parser.h"
 #include "platform/text/text.h"
 
 namespace korvex::backup {
@@ -25,98 +20,8 @@ using namespace platform;
 
 namespace {
 
-constexpr std::string_view kKeysFile = "keys.dat";
 constexpr std::string_view kBefore = "Before restore";
 constexpr std::string_view kBeforeTakingBack = "Before taking back";
-
-// The default value of the first key of a registry-editor file.
-class FirstDefault : public RegTextSink {
- public:
-  RegStep beginKey(std::size_t /*line*/, const KeyPath& path) override {
-    if (!key.empty()) return RegStep::Stop;
-    if (path.root == HKEY_CLASSES_ROOT) key = path.path;
-    return RegStep::Done;
-  }
-  RegStep deleteKey(std::size_t /*line*/, const KeyPath& /*path*/) override {
-    return RegStep::Stop;
-  }
-  RegStep setValue(std::size_t /*line*/, std::string_view name, RegType /*type*/,
-                   std::string_view data) override {
-    if (name.empty()) text = std::string(data.substr(0, data.find('\0')));
-    return RegStep::Done;
-  }
-  RegStep deleteValue(std::size_t /*line*/, std::string_view /*name*/) override {
-    return RegStep::Done;
-  }
-  void problem(std::size_t /*line*/, std::string_view /*text*/) override {}
-  void note(std::size_t /*line*/, std::string_view /*text*/) override {}
-
-  std::string key;
-  std::string text;
-};
-
-FirstDefault readFirst(Session& session, const std::string& file) {
-  FirstDefault sink;
-  const CodePage* codePage = CodePage::find(session.machine().describe().codePage);
-  if (codePage == nullptr) codePage = CodePage::find(1252);
-  RegTextParser parser(sink, *codePage, ShortRoots::No);
-  bool wanted = true;
-  session.files().readPieces(file, [&](std::string_view piece) {
-    if (wanted) wanted = parser.feed(piece);
-    return ERROR_SUCCESS;
-  });
-  if (wanted) parser.finish();
-  return sink;
-}
-
-// Names in keys.dat: what could end a key of the file, or is no plain text, stands as %XX.
-std::string lineName(std::string_view name) {
-  std::string line;
-  for (const char c : name) {
-    const bool plain =
-        c > ' ' && c <= '~' && std::string_view("=%;[]").find(c) == std::string_view::npos;
-    line += plain ? std::string(1, c) : fmt::format("%{:02X}", static_cast<unsigned char>(c));
-  }
-  return line;
-}
-
-// With the %XX of lines and of file names as what they stand for.
-std::string decoded(std::string_view line) {
-  std::string name;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    unsigned byte = 0;
-    const bool isCode = line[i] == '%' && i + 3 <= line.size() &&
-                        std::from_chars(line.data() + i + 1, line.data() + i + 3, byte, 16).ptr ==
-                            line.data() + i + 3;
-    name += isCode ? static_cast<char>(byte) : line[i];
-    if (isCode) i += 2;
-  }
-  return name;
-}
-
-std::string keyOfFile(std::string_view file) {
-  return decoded(file.substr(0, file.size() - std::string_view(".reg").size()));
-}
-
-// A key, and the extension with which it is restored.
-using ListedKey = std::pair<std::string, std::string>;
-
-std::vector<ListedKey> listedKeys(Session& session, const std::string& folder,
-                                  std::string_view section) {
-  std::vector<ListedKey> result;
-  const std::string lines = session.machine().initFiles().GetPrivateProfileSectionA(
-      section, fmt::format("{}\\{}", folder, kKeysFile));
-  for (std::string_view rest = lines; !rest.empty();) {
-    const std::string_view line = rest.substr(0, rest.find('\0'));
-    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-    const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos || equals == 0) continue;
-    const std::string key = decoded(line.substr(0, equals));
-    if (key.find('\\') != std::string::npos) continue;
-    result.emplace_back(key, decoded(line.substr(equals + 1)));
-  }
-  return result;
-}
 
 class AssociationOffer : public RestoreOffer {
  public:
@@ -147,6 +52,13 @@ class AssociationOffer : public RestoreOffer {
   RestoreOutcome restore(const std::vector<bool>& chosen, const Progress& progress) override;
 
  private:
+  // What restoring does, and the keys that it saves first with the types they belong to.
+  struct Work {
+    std::vector<KeyRestore> steps;
+    std::vector<KeyBackup> keys;
+    std::vector<std::string> extensions;
+  };
+
   void compareType(const FileType& type);
   void compareKey(const std::string& key, bool wasThere, RestoreItem& item,
                   std::vector<KeyRestore>& steps);
@@ -154,6 +66,9 @@ class AssociationOffer : public RestoreOffer {
                     std::vector<KeyRestore>& steps);
   Status keep(const std::vector<KeyBackup>& keys, const std::vector<std::string>& extensions,
               const std::string& folder, const Progress& progress, std::string& message);
+  Work workFor(const std::vector<bool>& chosen) const;
+  Status carryOut(std::vector<KeyRestore>& steps, const Progress& progress, std::string& message);
+  Status putBack(std::vector<KeyRestore> steps, const std::string& keeper);
 
   Session& session_;
   RegistryBacker& backer_;
@@ -235,8 +150,7 @@ Status AssociationOffer::keep(const std::vector<KeyBackup>& keys,
   std::string kept = "[Kept]\r\n";
   std::string absent = "[Absent]\r\n";
   for (std::size_t i = 0; i < results.size() && status == ERROR_SUCCESS; ++i) {
-    const std::string line =
-        fmt::format("{}={}\r\n", lineName(keys[i].subKey), lineName(extensions[i]));
+    const std::string line = keysLine({keys[i].subKey, extensions[i]});
     if (results[i].saved) {
       kept += line;
     } else if (results[i].status == ERROR_FILE_NOT_FOUND) {
@@ -257,58 +171,88 @@ Status AssociationOffer::keep(const std::vector<KeyBackup>& keys,
   return status;
 }
 
-RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
-                                         const Progress& progress) {
-  session_.trace.enter("[frmFA.cmdRestore]");
-  RestoreOutcome outcome;
-  std::vector<KeyRestore> steps;
-  std::vector<KeyBackup> keys;
-  std::vector<std::string> extensions;
+AssociationOffer::Work AssociationOffer::workFor(const std::vector<bool>& chosen) const {
+  Work work;
   std::set<std::string> seen;
   for (std::size_t i = 0; i < items_.size(); ++i) {
     if (i >= chosen.size() || !chosen[i] || !items_[i].restorable) continue;
     for (const KeyRestore& step : plans_[i]) {
       // A class that several types share is restored once.
       if (!seen.insert(foldName(step.key)).second) continue;
-      steps.push_back(step);
-      keys.push_back({step.root, step.key, associationFile(step.key)});
-      extensions.push_back(items_[i].name);
+      work.steps.push_back(step);
+      work.keys.push_back({step.root, step.key, associationFile(step.key)});
+      work.extensions.push_back(items_[i].name);
     }
   }
-  if (steps.empty()) return outcome;
-  const auto fail = [&](Status status, const std::string& message) {
-    outcome.status = status;
-    outcome.cancelled = status == ERROR_CANCELLED;
-    outcome.message =
-        outcome.cancelled
-            ? "The restore was cancelled. Nothing was changed."
-            : fmt::format("{}{}Nothing was changed. Put the cause right and try again.", message,
-                          kCrLf);
-    return outcome;
-  };
-  std::string message;
-  const std::string keeper = keeperFolder(session_, folder_);
-  const auto half = [&progress](int percent) { return !progress || progress(percent / 2); };
-  Status status = keep(keys, extensions, keeper, half, message);
-  if (status != ERROR_SUCCESS) {
-    return fail(status, fmt::format("What would be overwritten could not be saved first.{}{}",
-                                    kCrLf, message));
-  }
+  return work;
+}
+
+// One change of the registry; compared once more, as time has passed since the offer was made.
+Status AssociationOffer::carryOut(std::vector<KeyRestore>& steps, const Progress& progress,
+                                  std::string& message) {
   RegistryChange change(session_.registry());
-  status = change.status();
+  Status status = change.status();
   for (std::size_t i = 0; i < steps.size() && status == ERROR_SUCCESS; ++i) {
-    status = restoreSavedKey(session_, backer_, steps[i], message);
-    const auto percent = static_cast<int>(50 + 50 * (i + 1) / steps.size());
+    RestoreItem item;
+    const bool differs = compareSavedKey(session_, steps[i], associationFile(steps[i].key), item);
+    if (!item.restorable) {
+      status = ERROR_INVALID_DATA;
+      message = item.problems.front();
+    } else if (differs) {
+      status = restoreSavedKey(session_, backer_, steps[i], message);
+    }
+    const auto percent = static_cast<int>(100 * (i + 1) / steps.size());
     if (status == ERROR_SUCCESS && progress && !progress(percent)) status = ERROR_CANCELLED;
   }
   session_.trace.dump("lRetVal&", status);
-  if (status == ERROR_SUCCESS) status = change.commit();
-  if (status == ERROR_SUCCESS) status = session_.registry().flush();
-  if (status != ERROR_SUCCESS) {
-    if (message.empty()) message = session_.registry().lastRefusal();
-    return fail(status, message.empty() ? describeStatus(status) + '.' : message);
+  return status == ERROR_SUCCESS ? change.commit() : status;
+}
+
+// After what was committed could not be brought to the disk: it would go there with a later change.
+Status AssociationOffer::putBack(std::vector<KeyRestore> steps, const std::string& keeper) {
+  for (KeyRestore& step : steps) {
+    step.file = keeper + '\\' + associationFile(step.key);
+    if (!session_.files().exists(step.file)) step.file.clear();
   }
-  outcome.savedAs = keeper;
+  std::string ignored;
+  return carryOut(steps, {}, ignored);
+}
+
+RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
+                                         const Progress& progress) {
+  session_.trace.enter("[frmFA.cmdRestore]");
+  RestoreOutcome outcome;
+  Work work = workFor(chosen);
+  if (work.steps.empty()) return outcome;
+  const auto half = [&progress](int from) {
+    return [&progress, from](int percent) { return !progress || progress(from + percent / 2); };
+  };
+  std::string message;
+  std::string unchanged = "Nothing was changed. Put the cause right and try again.";
+  const std::string keeper = keeperFolder(session_, folder_);
+  outcome.status = keep(work.keys, work.extensions, keeper, half(0), message);
+  if (outcome.status != ERROR_SUCCESS) {
+    message = "What would be overwritten could not be saved first." + std::string(kCrLf) + message;
+  } else {
+    outcome.status = carryOut(work.steps, half(50), message);
+    if (outcome.status == ERROR_SUCCESS) {
+      outcome.status = session_.registry().flush();
+      if (outcome.status == ERROR_SUCCESS) {
+        outcome.savedAs = keeper;
+        return outcome;
+      }
+      message = session_.registry().lastRefusal();
+      if (putBack(work.steps, keeper) != ERROR_SUCCESS) {
+        unchanged =
+            fmt::format("It waits to be written; what stood there before is in {}.", keeper);
+      }
+    }
+    if (message.empty()) message = session_.registry().lastRefusal();
+    if (message.empty()) message = describeStatus(outcome.status) + '.';
+  }
+  outcome.cancelled = outcome.status == ERROR_CANCELLED;
+  outcome.message = outcome.cancelled ? "The restore was cancelled. Nothing was changed."
+                                      : message + std::string(kCrLf) + unchanged;
   return outcome;
 }
 
@@ -317,35 +261,6 @@ RestoreOutcome AssociationOffer::restore(const std::vector<bool>& chosen,
 std::string keeperFolder(const Session& session, const std::string& folder) {
   const bool takesBack = sameName(fileName(folder), kBefore);
   return fmt::format("{}\\{}", associationFolder(session), takesBack ? kBeforeTakingBack : kBefore);
-}
-
-std::vector<FileType> savedAssociations(Session& session, const std::string& folder) {
-  std::vector<FileEntry> found;
-  session.files().list(folder + "\\*.reg", found);
-  std::vector<FileType> types;
-  for (const FileEntry& entry : found) {
-    if (!entry.name.starts_with('.') || (entry.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-      continue;
-    const FirstDefault first = readFirst(session, folder + '\\' + entry.name);
-    // Its own key decides, not its name; but a damaged file must not go unnoticed.
-    const std::string key = first.key.empty() ? keyOfFile(entry.name) : first.key;
-    if (!key.starts_with('.') || !sameName(associationFile(key), entry.name)) continue;
-    FileType type{key, first.text, ""};
-    const std::string classFile = folder + '\\' + associationFile(type.className);
-    if (!type.className.empty() && session.files().exists(classFile)) {
-      type.description = readFirst(session, classFile).text;
-    }
-    types.push_back(std::move(type));
-  }
-  // Of some only the class was saved, or nothing, because nothing was there.
-  for (const char* const section : {"Kept", "Absent"}) {
-    for (const auto& [key, extension] : listedKeys(session, folder, section)) {
-      const auto same = [&](const FileType& type) { return sameName(type.extension, extension); };
-      if (std::ranges::none_of(types, same)) types.push_back({extension, "", ""});
-    }
-  }
-  std::ranges::sort(types, {}, [](const FileType& type) { return foldName(type.extension); });
-  return types;
 }
 
 std::unique_ptr<RestoreOffer> offerAssociations(Session& session, RegistryBacker& backer,

@@ -56,7 +56,7 @@ bool isOfTheKind(FileCopies copies, const std::string& path) {
 
 // A path as the registry has it, in full: without variables, below base where it is only a name.
 std::string fullPath(Session& session, const std::string& text, const std::string& base) {
-  const std::string path = session.machine().systemInfo().ExpandEnvironmentStringsA(text);
+  std::string path = session.machine().systemInfo().ExpandEnvironmentStringsA(text);
   if (path.empty() || (path.size() > 2 && path[1] == ':')) return path;
   return base + path;
 }

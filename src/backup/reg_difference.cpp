@@ -191,7 +191,9 @@ class ComparingSink : public RegTextSink {
     }
     if (status != ERROR_NO_MORE_ITEMS) return status;
     for (const std::string& child : children) {
-      const std::string childPath = path.empty() ? child : path + '\\' + child;
+      std::string childPath = path;
+      if (!path.empty()) childPath += '\\';
+      childPath += child;
       if (!listed_.contains(foldName(childPath))) {
         RegChange one = change(RegChange::Kind::DeletedKey, options_.root, childPath);
         one.extra = true;

@@ -9,7 +9,6 @@
 
 namespace korvex::backup {
 
-using foundation::Session;
 using namespace platform;
 
 namespace {

@@ -50,7 +50,7 @@ const char* kindName(Kind kind) {
 }
 
 std::string describe(const RestoreChange& change) {
-  const std::string line = fmt::format("{} {}", signOf(change.kind), change.place);
+  std::string line = fmt::format("{} {}", signOf(change.kind), change.place);
   const std::string name = change.name.empty() ? "(Default)" : change.name;
   switch (change.kind) {
     case Kind::NewValue:

@@ -152,8 +152,9 @@ void takeRecordText(std::string_view name, std::string text, ConfigSet& set) {
        {"User", &set.user},
        {"Contents", &set.contents}}};
   for (const auto& [known, target] : texts) {
-    if (sameName(known, name)) *target = std::move(text);
-    if (sameName(known, name)) return;
+    if (!sameName(known, name)) continue;
+    *target = std::move(text);
+    return;
   }
 }
 
