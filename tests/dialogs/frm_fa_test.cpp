@@ -185,6 +185,15 @@ TEST_F(Associations, ATemplateTicksItsTypesAndKeepsThem) {
   fa().lstFA.setChecked(1, true);
   fa().txtFilter.Text = "";
   EXPECT_EQ(3U, fa().lstFA.checkedItems().size());
+  // On the way to a new name stands another: the marks stay, and replacing it is asked for.
+  fa().cboTemplates.Text = "MY CHOICE";
+  EXPECT_EQ(3U, fa().lstFA.checkedItems().size());
+  prompts.answers = {Answer::No};
+  fa().cmdApply.press();
+  EXPECT_NE(std::string::npos, prompts.messages.back().text.find("Replace it?"));
+  Names chosen;
+  EXPECT_EQ(0, backup::readTemplate(session, "My choice", chosen));
+  EXPECT_EQ(2U, chosen.size());
   // A hand-edited file: comments, blanks, another case and section.
   machine->files().replace(
       session.g_sAppPath + "\\templates\\hand.dat",
