@@ -89,6 +89,8 @@ class SetOffer : public RestoreOffer {
   static void addTargets(const std::vector<Step>& steps, std::vector<SourceFile>& files);
   SaveOutcome keep(const std::vector<bool>& chosen, const Progress& progress);
   Status doStep(const Step& step, Files& files, std::string& message);
+  Status carryOut(const std::vector<bool>& chosen, const Progress& progress, std::string& message);
+  Status takeBack();
   Lines savedLists(const std::string& file);
   Status writePasswordLists(const Step& step, Files& files);
 
@@ -366,8 +368,17 @@ Status SetOffer::writePasswordLists(const Step& step, Files& files) {
 Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
   Status status = ERROR_SUCCESS;
   switch (step.kind) {
-    case Step::Kind::RestoreKey:
-      return restoreSavedKey(session_, backer_, step.key, message);
+    case Step::Kind::RestoreKey: {
+      // Compared once more: time has passed since the offer was made.
+      KeyRestore key = step.key;
+      RestoreItem now;
+      const bool differs = compareSavedKey(session_, key, step.name, now);
+      if (!now.restorable) {
+        message = now.problems.front();
+        return ERROR_INVALID_DATA;
+      }
+      return differs ? restoreSavedKey(session_, backer_, key, message) : ERROR_SUCCESS;
+    }
     case Step::Kind::PutFile:
       status = copyOver(files, step.file, step.place);
       break;
@@ -393,56 +404,89 @@ Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
   return status;
 }
 
-RestoreOutcome SetOffer::restore(const std::vector<bool>& chosenItems, const Progress& progress) {
-  session_.trace.enter("[cmdRestore]");
-  RestoreOutcome outcome;
-  std::vector<bool> chosen = chosenItems;
-  chosen.resize(items_.size(), false);
+// One change: all of it or nothing.
+Status SetOffer::carryOut(const std::vector<bool>& chosen, const Progress& progress,
+                          std::string& message) {
   std::size_t total = 0;
   for (std::size_t i = 0; i < items_.size(); ++i) {
-    if (!items_[i].restorable) chosen[i] = false;
     if (chosen[i]) total += plans_[i].steps.size();
-  }
-  if (total == 0) return outcome;
-  const auto fail = [&](Status status, const std::string& message) {
-    outcome.status = status;
-    outcome.cancelled = status == ERROR_CANCELLED;
-    outcome.message =
-        outcome.cancelled
-            ? "The restore was cancelled. Nothing was changed."
-            : fmt::format("{}{}Nothing was changed. Put the cause right and try again.", message,
-                          kCrLf);
-    return outcome;
-  };
-  const SaveOutcome kept =
-      keep(chosen, [&](int percent) { return !progress || progress(percent / 2); });
-  if (kept.status != ERROR_SUCCESS) {
-    return fail(kept.status, fmt::format("What would be overwritten could not be saved first.{}{}",
-                                         kCrLf, kept.message));
   }
   RegistryChange change(session_.registry());
   FileChange files(files_);
   Status status = change.status();
-  std::string message = status == ERROR_SUCCESS ? "" : describeStatus(status) + '.';
   std::size_t done = 0;
   for (std::size_t i = 0; i < items_.size(); ++i) {
     for (const Step& step : plans_[i].steps) {
       if (!chosen[i] || status != ERROR_SUCCESS) break;
       status = doStep(step, files, message);
-      const auto percent = static_cast<int>(50 + 50 * ++done / total);
+      const auto percent = static_cast<int>(100 * ++done / total);
       if (status == ERROR_SUCCESS && progress && !progress(percent)) status = ERROR_CANCELLED;
     }
   }
   session_.trace.dump("lRetVal&", status);
   if (status == ERROR_SUCCESS) status = change.commit();
-  if (status == ERROR_SUCCESS) status = session_.registry().flush();
-  if (status != ERROR_SUCCESS) {
-    if (message.empty()) message = session_.registry().lastRefusal();
-    return fail(status, message.empty() ? describeStatus(status) + '.' : message);
+  if (status == ERROR_SUCCESS) files.commit();
+  return status;
+}
+
+// After what was committed could not be brought to the disk: it would go there with a later change.
+Status SetOffer::takeBack() {
+  ConfigSet before;
+  std::string message;
+  const std::string folder = parentFolder(set_.folder);
+  const Status status =
+      readProfile(session_,
+                  fmt::format("{}{}{}\\{}", folder, folder.ends_with('\\') ? "" : "\\",
+                              keeperName(set_.name), kProfileFile),
+                  before, message);
+  if (status != ERROR_SUCCESS) return status;
+  SetOffer back(session_, backer_, before);
+  back.compare({});
+  return back.carryOut(std::vector<bool>(back.items_.size(), true), {}, message);
+}
+
+RestoreOutcome SetOffer::restore(const std::vector<bool>& chosenItems, const Progress& progress) {
+  session_.trace.enter("[cmdRestore]");
+  RestoreOutcome outcome;
+  std::vector<bool> chosen = chosenItems;
+  chosen.resize(items_.size(), false);
+  bool any = false;
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    if (!items_[i].restorable) chosen[i] = false;
+    any = any || (chosen[i] && !plans_[i].steps.empty());
   }
-  files.commit();
-  session_.g_bRebootNeeded = true;
-  outcome.savedAs = keeperName(set_.name);
+  if (!any) return outcome;
+  const auto half = [&progress](int from) {
+    return [&progress, from](int percent) { return !progress || progress(from + percent / 2); };
+  };
+  std::string message;
+  std::string unchanged = "Nothing was changed. Put the cause right and try again.";
+  const SaveOutcome kept = keep(chosen, half(0));
+  outcome.status = kept.status;
+  if (kept.status != ERROR_SUCCESS) {
+    message =
+        fmt::format("What would be overwritten could not be saved first.{}{}", kCrLf, kept.message);
+  } else {
+    outcome.status = carryOut(chosen, half(50), message);
+    if (outcome.status == ERROR_SUCCESS) {
+      outcome.status = session_.registry().flush();
+      if (outcome.status == ERROR_SUCCESS) {
+        session_.g_bRebootNeeded = true;
+        outcome.savedAs = keeperName(set_.name);
+        return outcome;
+      }
+      message = session_.registry().lastRefusal();
+      if (takeBack() != ERROR_SUCCESS) {
+        unchanged = fmt::format("It waits to be written; what stood there before is saved as {}.",
+                                keeperName(set_.name));
+      }
+    }
+    if (message.empty()) message = session_.registry().lastRefusal();
+    if (message.empty()) message = describeStatus(outcome.status) + '.';
+  }
+  outcome.cancelled = outcome.status == ERROR_CANCELLED;
+  outcome.message = outcome.cancelled ? "The restore was cancelled. Nothing was changed."
+                                      : fmt::format("{}{}{}", message, kCrLf, unchanged);
   return outcome;
 }
 

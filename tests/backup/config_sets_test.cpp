@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -10,6 +11,7 @@
 #include "backup/categories.h"
 #include "backup/folder_tree.h"
 #include "backup/set_offer.h"
+#include "platform/common/registry_decorators.h"
 #include "platform/text/text.h"
 
 namespace korvex::backup {
@@ -179,6 +181,48 @@ TEST_F(Sets, AtWhicheverWriteARestoreFailsNothingIsChanged) {
     }
     ++failures;
     EXPECT_EQ(before, colorsAndCursors()) << "after write " << nth;
+  }
+  EXPECT_GT(failures, 5);
+}
+
+// The disk is full when the registry is to be written: what was committed is taken back.
+TEST_F(Sets, AtWhicheverCallOfTheRegistryARestoreFailsItIsDoneOrNotDone) {
+  ASSERT_EQ(0, save().status);
+  run_.write("C:\\WINDOWS\\CURSORS\\hand.cur", "changed");
+  run_.view().put(kColors, "Window", "\"9 9 9\"");
+  run_.view().put(kColors, "Added\\Key", "\"x\"");
+  const State changed = colorsAndCursors();
+  int calls = 0;
+  int failures = 0;
+  // The first round counts; then some from everywhere, and the last ones: commit and flush.
+  for (int nth = 0; nth <= calls;
+       nth += nth == 0 || nth > calls - 5 ? 1 : std::min(calls / 12, calls - 4 - nth)) {
+    FailingRegistry registry(run_.machine.registry(), nth, ERROR_REGISTRY_IO_FAILED);
+    ComposedMachine composed(*run_.machine, {.registry = &registry});
+    foundation::Session session(composed, run_.prompts);
+    session.g_bNT = run_.session.g_bNT;
+    session.g_sWinDir = run_.session.g_sWinDir;
+    RegistryBacker backer(session);
+    ConfigSets sets(session, backer);
+    ConfigSet set;
+    std::string message;
+    RestoreOutcome outcome;
+    if (sets.find("C:\\Saves\\Work", set, message) != 0) continue;
+    const auto offer = sets.offer(set, {});
+    bool whole = true;
+    for (const RestoreItem& item : offer->items()) whole = whole && item.restorable;
+    outcome = offer->restore({true, true}, {});
+    if (nth == 0) calls = registry.calls();
+    if (outcome.status != 0) {
+      ++failures;
+      EXPECT_EQ(changed, colorsAndCursors()) << "call " << nth << ": " << outcome.message;
+    } else if (whole) {
+      EXPECT_EQ("hand", run_.read("C:\\WINDOWS\\CURSORS\\hand.cur")) << "call " << nth;
+    }
+    run_.machine.registry().rollbackChange();
+    if (colorsAndCursors() == changed) continue;
+    ASSERT_EQ(0, restore(find("Work (before restore)")).status) << "call " << nth;
+    ASSERT_EQ(changed, colorsAndCursors()) << "call " << nth;
   }
   EXPECT_GT(failures, 5);
 }
