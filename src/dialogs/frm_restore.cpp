@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "forms/long_work.h"
 #include "foundation/error_handler.h"
 
 namespace korvex::dialogs {
@@ -157,17 +158,11 @@ void frmRestore::cmdRestore_Click() {
   session_.trace.enter("[frmRestore.cmdRestore]");
   std::vector<bool> chosen;
   for (int i = 0; i < lstItems.ListCount(); ++i) chosen.push_back(lstItems.isChecked(i));
-  CanCancel = true;
-  Progress = 0;
-  Busy = true;
   backup::RestoreOutcome outcome;
-  try {
-    outcome = desk_.offer->restore(chosen, [this](int percent) { return goOn(percent); });
-  } catch (...) {
-    Busy = false;
-    throw;
+  {
+    forms::LongWork work(*this);
+    outcome = desk_.offer->restore(chosen, work.progress());
   }
-  Busy = false;
   tellOutcome(outcome);
 }
 

@@ -10,6 +10,7 @@
 #include "backup/associations.h"
 #include "backup/categories.h"
 #include "engine/same_name.h"
+#include "forms/long_work.h"
 #include "foundation/error_handler.h"
 #include "foundation/reg_value.h"
 #include "main_window/options.h"
@@ -255,19 +256,6 @@ void RegistryPage::open(const std::string& profile) {
   cboSaves_.Text = isOurs ? set.name : opened_;
 }
 
-backup::Progress RegistryPage::beginWork(bool canCancel) {
-  form_.CanCancel = canCancel;
-  form_.Progress = 0;
-  form_.Busy = true;
-  return [this](int percent) { return form_.goOn(percent); };
-}
-
-void RegistryPage::endWork() {
-  form_.Busy = false;
-  form_.CanCancel = false;
-  form_.Progress = -1;
-}
-
 bool RegistryPage::readRequest(SaveRequest& request) {
   request.name = cboSaves_.Text;
   const std::string wrong = backup::whyNoSetName(request.name);
@@ -317,8 +305,11 @@ bool RegistryPage::diskIsFine(const SaveRequest& request) {
 void RegistryPage::cmdSave_Click() {
   SaveRequest request;
   if (!readRequest(request) || !diskIsFine(request) || !mayReplace(request)) return;
-  const SaveOutcome outcome = sets_.save(request, beginWork(true));
-  endWork();
+  SaveOutcome outcome;
+  {
+    forms::LongWork work(form_);
+    outcome = sets_.save(request, work.progress());
+  }
   if (outcome.status == ERROR_SUCCESS) keepSaveOnOff(request.tags);
   fillSaves();
   tellOutcome(request, outcome);
@@ -375,13 +366,12 @@ void RegistryPage::cmdRestore_Click() {
   keeper.folder = set.folder;
   keeper.tags = chosen;
   if (!diskIsFine(keeper)) return;
-  desk_.offer = sets_.offer(set, beginWork(true));
-  const bool cancelled = form_.CancelAsked;
-  endWork();
-  if (cancelled) {
-    desk_.offer.reset();
-    return;
+  {
+    forms::LongWork work(form_);
+    desk_.offer = sets_.offer(set, work.progress());
+    if (work.isCancelled()) desk_.offer.reset();
   }
+  if (!desk_.offer) return;
   desk_.restored = false;
   formBook_.showModal("frmRestore");
   if (!desk_.restored) return;

@@ -52,8 +52,6 @@ class RegistryPage : public PageSection {
   bool readRequest(backup::SaveRequest& request);
   void tellOutcome(const backup::SaveRequest& request, const backup::SaveOutcome& outcome);
   bool findSet(backup::ConfigSet& set);
-  backup::Progress beginWork(bool canCancel);
-  void endWork();
   forms::CheckBox& box(std::string_view tag);
   void tell(const std::string& text, int icon);
   bool asked(const std::string& question, int icon);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 
+#include "forms/long_work.h"
 #include "foundation/error_handler.h"
 #include "platform/text/text.h"
 
@@ -273,15 +274,14 @@ AssociationOutcome frmFA::p_ExportFileAssociations(std::string_view sSelection) 
     sSelection.remove_prefix(std::min(sSelection.size(), extension.size() + 1));
     extensions.push_back(extension);
   }
+  forms::LongWork work(*this);
   return backup::exportAssociations(session_, backer_, extensions,
-                                    backup::associationFolder(session_), beginWork());
+                                    backup::associationFolder(session_), work.progress());
 }
 
 void frmFA::cmdApply_Click() {
   if (!saveTemplate()) return;
-  const AssociationOutcome outcome = p_ExportFileAssociations(selection());
-  endWork();
-  tellOutcome(outcome);
+  tellOutcome(p_ExportFileAssociations(selection()));
 }
 
 void frmFA::tellOutcome(const AssociationOutcome& outcome) {
@@ -304,33 +304,16 @@ void frmFA::cmdRestore_Click() {
   for (const FileType& type : types_) {
     if (ticked_.contains(foldName(type.extension))) extensions.push_back(type.extension);
   }
-  desk_.offer =
-      backup::offerAssociations(session_, backer_, shownFolder(), extensions, beginWork());
-  const bool cancelled = CancelAsked;
-  endWork();
-  if (cancelled) {
-    desk_.offer.reset();
-    return;
+  {
+    forms::LongWork work(*this);
+    desk_.offer =
+        backup::offerAssociations(session_, backer_, shownFolder(), extensions, work.progress());
+    if (work.isCancelled()) desk_.offer.reset();
   }
+  if (!desk_.offer) return;
   desk_.restored = false;
   formBook_.showModal("frmRestore");
   if (desk_.restored) p_InitializeFileAssoc();
-}
-
-backup::Progress frmFA::beginWork() {
-  CanCancel = true;
-  Progress = 0;
-  Busy = true;
-  return [this](int percent) {
-    Progress = percent;
-    return !CancelAsked;
-  };
-}
-
-void frmFA::endWork() {
-  Busy = false;
-  CanCancel = false;
-  Progress = -1;
 }
 
 void frmFA::tell(const std::string& text, int icon) {

@@ -65,8 +65,6 @@ class frmFA : public forms::Form {
   bool showsRegistered() const { return cboShow.ListIndex <= 0; }
   // Of what the list shows, where that is what was saved.
   std::string shownFolder() const;
-  backup::Progress beginWork();
-  void endWork();
   void tell(const std::string& text, int icon);
   void on(forms::Event& event, std::string_view routine, void (frmFA::*handler)());
 
