@@ -51,7 +51,8 @@ struct AssociationOutcome {
 };
 
 // Saves the key of each extension and of its class into the folder, which is made where it is
-// missing.
+// missing. A type is saved with all of its keys or not at all, and what is saved replaces what
+// stands there together, or not at all.
 AssociationOutcome exportAssociations(foundation::Session& session, RegistryBacker& backer,
                                       std::span<const std::string> extensions,
                                       const std::string& folder, const Progress& progress);
