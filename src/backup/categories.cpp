@@ -106,9 +106,9 @@ std::vector<CategoryKey> categoryKeys(const foundation::Session& session, std::s
 
 std::string whyNotSaved(foundation::Session& session, const Category& category) {
   for (const CategoryKey& row : categoryKeys(session, category.tag)) {
-    if (OpenKey(session.registry(), row.root, row.key, KEY_READ).status() == ERROR_SUCCESS) {
-      return "";
-    }
+    // A key that cannot be read is one that is there: the save will say so.
+    const OpenKey key(session.registry(), row.root, row.key, KEY_READ);
+    if (key.status() != ERROR_FILE_NOT_FOUND) return "";
   }
   if (hasFiles(session, category)) return "";
   return "There is nothing of this kind on this machine.";

@@ -275,15 +275,22 @@ bool RegistryPage::readRequest(SaveRequest& request) {
   return false;
 }
 
+// What stands in the folder goes; a save of that name in another folder stays there, but its record
+// goes.
 bool RegistryPage::mayReplace(const SaveRequest& request) {
+  if (session_.g_bNoShowConfirmation) return true;
+  const std::string folder = sets_.folderFor(request);
   ConfigSet set;
   std::string message;
-  if (session_.g_bNoShowConfirmation) return true;
-  const Status status = sets_.find(
-      fmt::format("{}\\{}", sets_.folderFor(request), backup::kProfileFile), set, message);
+  Status status = sets_.find(fmt::format("{}\\{}", folder, backup::kProfileFile), set, message);
+  if (status != ERROR_SUCCESS) status = sets_.find(request.name, set, message);
   if (status != ERROR_SUCCESS) return true;
-  return asked(fmt::format("There is a save named {} already, of {}.{}Replace it?", request.name,
-                           set.saved, kCrLf),
+  const std::string where =
+      sameName(set.folder, folder)
+          ? ""
+          : fmt::format(" It lies in {}, stays there, and is no longer listed.", set.folder);
+  return asked(fmt::format("There is a save named {} already, of {}.{}{}Replace it?", request.name,
+                           set.saved, where, kCrLf),
                kIconQuestion);
 }
 

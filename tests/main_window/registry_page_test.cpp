@@ -43,6 +43,15 @@ class RegistryPageTest : public testing::Test {
   }
   void press(std::string_view name) { find<forms::CommandButton>(name).press(); }
   forms::ComboBox& saves() { return find<forms::ComboBox>("cboSaves"); }
+  // As Browse keeps it.
+  void folderIs(const std::string& folder) {
+    HKEY key = 0;
+    machine_.registry().RegOpenKeyExA(kMachine, "SOFTWARE\\Korvex\\Configuration", KEY_ALL_ACCESS,
+                                      key);
+    machine_.registry().RegSetValueExA(key, "RegPath", REG_SZ, folder.c_str(),
+                                       static_cast<std::uint32_t>(folder.size() + 1));
+    machine_.registry().RegCloseKey(key);
+  }
   std::string lastMessage() {
     return run_->prompts.messages.empty() ? "" : run_->prompts.messages.back().text;
   }
@@ -97,6 +106,11 @@ TEST_F(RegistryPageTest, SavingOverASetIsAskedForAndTheBoxesComeBackInTheNextRun
   press("cmdSave");
   EXPECT_EQ(0U, lastMessage().find("There is a save named Work already, of "));
   press("cmdSave");
+  // In another folder the old one would be forgotten.
+  folderIs("C:\\Other");
+  run_->prompts.answers = {Answer::No};
+  press("cmdSave");
+  EXPECT_NE(std::string::npos, lastMessage().find("stays there, and is no longer listed"));
   run_->close();
   run_ = std::make_unique<KorvexRun>(*machine_);
   EXPECT_EQ(1, run_->box("chkColorConfig").Value);
@@ -131,14 +145,6 @@ TEST_F(RegistryPageTest, WhatIsNotThereIsToldInTheProductsWords) {
 }
 
 TEST_F(RegistryPageTest, AFolderThatCannotBeMadeAndADriveThatIsNotThereEndTheSave) {
-  const auto folderIs = [&](const std::string& folder) {
-    HKEY key = 0;
-    machine_.registry().RegOpenKeyExA(kMachine, "SOFTWARE\\Korvex\\Configuration", KEY_ALL_ACCESS,
-                                      key);
-    machine_.registry().RegSetValueExA(key, "RegPath", REG_SZ, folder.c_str(),
-                                       static_cast<std::uint32_t>(folder.size() + 1));
-    machine_.registry().RegCloseKey(key);
-  };
   folderIs("Q:\\Saves");
   saveWork();
   EXPECT_EQ("The disk is not ready.", lastMessage());
