@@ -21,6 +21,7 @@ struct SaveOptions {
   std::vector<std::string> types;
   std::string templateName;
   std::string folder;
+  bool overwrite = false;
 };
 
 struct EraseOptions {
@@ -69,6 +70,21 @@ void checkDisk(Context& context, backup::ConfigSets& sets, const backup::SaveReq
   }
 }
 
+// A save that another one would be forgotten for.
+void refuseEarlier(backup::ConfigSets& sets, const backup::SaveRequest& request) {
+  backup::ConfigSet earlier;
+  std::string ignored;
+  const std::string folder = sets.folderFor(request);
+  const bool there = sets.find(request.name, earlier, ignored) == ERROR_SUCCESS ||
+                     sets.find(fmt::format("{}\\{}", folder, backup::kProfileFile), earlier,
+                               ignored) == ERROR_SUCCESS;
+  if (!there) return;
+  throw Failure(ExitCode::Failed, "exists",
+                fmt::format("There is a save named {} already, of {}, in {}; --overwrite replaces "
+                            "it. Nothing was saved.",
+                            printable(earlier.name), earlier.saved, printable(earlier.folder)));
+}
+
 void printSaved(Context& context, const backup::SaveRequest& request, const std::string& folder,
                 const backup::SaveOutcome& outcome) {
   if (!outcome.failed.empty()) context.note("The following items could not be saved.");
@@ -100,6 +116,7 @@ ExitCode save(Context& context, const SaveOptions& options) {
   BackupMachine machine(context, Access::Write);
   backup::ConfigSets sets(machine.session(), machine.backer());
   const backup::SaveRequest request = requestFor(machine, options);
+  if (!options.overwrite) refuseEarlier(sets, request);
   checkDisk(context, sets, request);
   const Interrupt interrupt;
   const backup::SaveOutcome outcome = sets.save(request, interrupt.progress());
@@ -178,8 +195,8 @@ void addSetOfSave(CLI::App& group, Run& run) {
       "  korvex set-of save Types --only FA --types .txt,.bmp --folder 'D:\\saves'\n"
       "\n"
       "Without --only every category is saved that the machine has something of. What cannot be\n"
-      "saved is named (exit code 1). An earlier save of that name is replaced when the new one is\n"
-      "whole.");
+      "saved is named (exit code 1). With --overwrite an earlier save of that name is replaced\n"
+      "when the new one is whole.");
   command->add_option("NAME", options->name, "Its name, and that of its folder")
       ->required()
       ->type_name("");
@@ -202,6 +219,7 @@ void addSetOfSave(CLI::App& group, Run& run) {
       ->type_name("NAME");
   command->add_option("--folder", options->folder, "Folder of the machine to save in: C:\\...")
       ->type_name("DIR");
+  command->add_flag("--overwrite", options->overwrite, "Replace an earlier save of that name");
   command->callback(
       [&run, options] { run = [options](Context& context) { return save(context, *options); }; });
   addErase(group, run);

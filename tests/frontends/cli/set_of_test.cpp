@@ -111,6 +111,8 @@ TEST_F(SetOf, CategoryThatCannotBeSavedIsNamed) {
   EXPECT_NE(std::string::npos, result.err.find("The following items could not be saved.\n"
                                                "Navigator bookmarks: "))
       << result.err;
+  EXPECT_EQ(5, korvex({"set-of", "save", "NAV", "--only", "color"}).code) << "it is there already";
+  EXPECT_EQ(0, korvex({"set-of", "save", "Nav", "--only", "color", "--overwrite"}).code);
   EXPECT_EQ(5, korvex({"set-of", "save", "None", "--only", "mozilla"}).code);
   EXPECT_EQ(5, korvex({"set-of", "save", "Far", "--folder", "Q:\\saves"}).code);
   EXPECT_EQ(2, korvex({"set-of", "save", "Far", "--folder", "saves"}).code);
@@ -167,7 +169,7 @@ TEST_F(SetOf, ControlCLeavesTheEarlierSave) {
   sigaddset(&interrupt, SIGINT);
   pthread_sigmask(SIG_BLOCK, &interrupt, &old);
   raise(SIGINT);
-  const Result result = json({"set-of", "save", "Look"});
+  const Result result = json({"set-of", "save", "Look", "--overwrite"});
   pthread_sigmask(SIG_SETMASK, &old, nullptr);
   EXPECT_EQ(5, result.code);
   EXPECT_EQ("cancelled", result.json()["error"]["kind"]);
