@@ -40,6 +40,15 @@ std::string folderOf(const TypeOptions& options, BackupMachine& machine) {
   return machineFolder(options.folder, backup::associationFolder(machine.session()));
 }
 
+// A backup of all types must not be one of some of them.
+std::vector<FileType> allTypes(BackupMachine& machine) {
+  std::vector<FileType> types;
+  const platform::Status status = backup::listTypes(machine.session(), types);
+  if (status == ERROR_SUCCESS) return types;
+  throw machineFailure(status, fmt::format("The file types cannot be read: {}. Nothing was saved.",
+                                           platform::describeStatus(status)));
+}
+
 ExitCode list(Context& context, const TypeOptions& options) {
   BackupMachine machine(context, Access::Read);
   const bool saved = options.saved || !options.folder.empty();
@@ -113,8 +122,7 @@ void printSaved(Context& context, const backup::AssociationOutcome& outcome,
 ExitCode save(Context& context, const TypeOptions& options) {
   BackupMachine machine(context, Access::Write);
   const std::string folder = folderOf(options, machine);
-  const std::vector<std::string> types =
-      chosenTypes(machine, options, backup::registeredTypes(machine.session()));
+  const std::vector<std::string> types = chosenTypes(machine, options, allTypes(machine));
   const Interrupt interrupt;
   const backup::AssociationOutcome outcome = backup::exportAssociations(
       machine.session(), machine.backer(), types, folder, interrupt.progress());

@@ -77,12 +77,13 @@ std::string associationFile(std::string_view keyName) {
   return file + ".reg";
 }
 
-std::vector<FileType> registeredTypes(Session& session) {
-  std::vector<FileType> types;
+Status listTypes(Session& session, std::vector<FileType>& types) {
+  Status status = ERROR_SUCCESS;
+  types.clear();
   char name[kNameBufferBytes];
   for (std::uint32_t i = 0;; ++i) {
     std::uint32_t length = sizeof name;
-    const Status status = session.registry().RegEnumKeyExA(HKEY_CLASSES_ROOT, i, name, &length);
+    status = session.registry().RegEnumKeyExA(HKEY_CLASSES_ROOT, i, name, &length);
     if (status != ERROR_SUCCESS) break;
     if (length < 2 || name[0] != '.') continue;
     FileType type;
@@ -92,6 +93,12 @@ std::vector<FileType> registeredTypes(Session& session) {
     types.push_back(std::move(type));
   }
   std::ranges::sort(types, {}, [](const FileType& type) { return foldName(type.extension); });
+  return status == ERROR_NO_MORE_ITEMS ? ERROR_SUCCESS : status;
+}
+
+std::vector<FileType> registeredTypes(Session& session) {
+  std::vector<FileType> types;
+  listTypes(session, types);
   return types;
 }
 

@@ -22,7 +22,9 @@ struct FileType {
   bool canBeSaved() const;
 };
 
-// Sorted by extension, without regard to case.
+// Sorted by extension, without regard to case. A status: the list is not whole.
+platform::Status listTypes(foundation::Session& session, std::vector<FileType>& types);
+// The same for showing: as far as it could be read.
 std::vector<FileType> registeredTypes(foundation::Session& session);
 
 // The folders of saved associations and of templates: below the program's own, "\FA\" and

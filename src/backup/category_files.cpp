@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "backup/folder_tree.h"
+#include "backup/password_lists.h"
 #include "platform/text/text.h"
 
 namespace korvex::backup {
@@ -19,7 +20,6 @@ using namespace platform;
 namespace {
 
 constexpr std::string_view kCursors = "Control Panel\\Cursors";
-constexpr std::string_view kPasswordLists = "Password Lists";
 constexpr std::string_view kNavigator = "SOFTWARE\\Netscape\\Netscape Navigator";
 
 // The folder of the set that the files of a category go to, with its backslash; "" is the set's
@@ -160,14 +160,6 @@ bool isRegistered(Session& session) {
 }
 
 }  // namespace
-
-std::string passwordLists(Session& session) {
-  if (session.g_bNT) return "";
-  std::string lines = session.machine().initFiles().GetPrivateProfileSectionA(
-      kPasswordLists, session.g_sWinDir + "system.ini");
-  std::replace(lines.begin(), lines.end(), '\0', '\n');
-  return lines;
-}
 
 std::string bookmarksPath(Session& session) {
   // Version 4 has a folder for each of its users; version 3 one list for each user of Windows.

@@ -43,8 +43,6 @@ bool placeFor(foundation::Session& session, const Category& category, const SetE
 // Whether the set holds all there is of the kind, so that what is there beyond it is to go.
 bool ownsItsFolder(const Category& category, const SourceFile& file);
 
-// The lines "NAME=FILE" of that section of system.ini; "" where there are none.
-std::string passwordLists(foundation::Session& session);
 // The path of the other browser's bookmarks; "" where there is no such browser.
 std::string bookmarksPath(foundation::Session& session);
 

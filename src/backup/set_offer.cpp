@@ -4,8 +4,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
-#include <optional>
 #include <set>
 #include <utility>
 
@@ -13,6 +11,7 @@
 #include "backup/category_files.h"
 #include "backup/folder_tree.h"
 #include "backup/key_restore.h"
+#include "backup/password_lists.h"
 #include "backup/set_writer.h"
 #include "platform/file_change.h"
 #include "platform/text/reg_names.h"
@@ -43,9 +42,6 @@ struct Step {
   std::string name;   // in the set, for the keeper
   std::uint32_t attributes = 0;
 };
-
-// Name and text of each line "NAME=TEXT", by folded name.
-using Lines = std::map<std::string, std::pair<std::string, std::string>>;
 
 struct Plan {
   const Category* category = nullptr;
@@ -91,8 +87,6 @@ class SetOffer : public RestoreOffer {
   Status doStep(const Step& step, Files& files, std::string& message);
   Status carryOut(const std::vector<bool>& chosen, const Progress& progress, std::string& message);
   Status takeBack();
-  Lines savedLists(const std::string& file);
-  Status writePasswordLists(const Step& step, Files& files);
 
   Session& session_;
   Files& files_;
@@ -229,34 +223,13 @@ void SetOffer::compareFile(const SetEntry& entry, RestoreItem& item, Plan& plan)
   plan.steps.push_back(std::move(step));
 }
 
-// The lines of the section, by folded name.
-Lines linesOf(std::string_view lines) {
-  Lines result;
-  while (!lines.empty()) {
-    const std::string_view line = lines.substr(0, lines.find_first_of(std::string_view("\r\n")));
-    lines.remove_prefix(std::min(lines.size(), line.size() + 1));
-    const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos) continue;
-    result[foldName(line.substr(0, equals))] = {std::string(line.substr(0, equals)),
-                                                std::string(line.substr(equals + 1))};
-  }
-  return result;
-}
-
-// UTF-8, as the save wrote it; the profile functions would take it for the machine's code page.
-Lines SetOffer::savedLists(const std::string& file) {
-  std::string text;
-  return files_.read(file, text) == ERROR_SUCCESS ? linesOf(text) : Lines();
-}
-
 void SetOffer::comparePasswordLists(const SetEntry& entry, RestoreItem& item, Plan& plan) {
   if (session_.g_bNT) {
     item.problems.push_back(fmt::format("{}: this Windows keeps no password lists.", entry.file));
     return;
   }
   if (!isWhole(entry, item)) return;
-  const auto wanted = savedLists(inFolder(entry.file));
-  if (wanted == linesOf(passwordLists(session_))) return;
+  if (hasPasswordLists(session_, inFolder(entry.file))) return;
   Step step;
   step.kind = Step::Kind::WritePasswordLists;
   step.name = entry.file;
@@ -340,31 +313,6 @@ SaveOutcome SetOffer::keep(const std::vector<bool>& chosen, const Progress& prog
   return writeSet(session_, backer_, job, progress);
 }
 
-Status SetOffer::writePasswordLists(const Step& step, Files& files) {
-  InitFiles& ini = session_.machine().initFiles();
-  // The way back: the profile functions know nothing of it.
-  std::string before;
-  Status status = files.read(step.place, before);
-  if (status == ERROR_SUCCESS) status = files.replace(step.place, before);
-  const auto wanted = savedLists(step.file);
-  const auto present = linesOf(passwordLists(session_));
-  const auto write = [&](const std::string& name, std::optional<std::string_view> value) {
-    if (status == ERROR_SUCCESS) {
-      status = ini.WritePrivateProfileStringA("Password Lists", name, value, step.place);
-    }
-  };
-  for (const auto& [folded, line] : present) {
-    if (!wanted.contains(folded)) write(line.first, std::nullopt);
-  }
-  for (const auto& [folded, line] : wanted) {
-    const auto found = present.find(folded);
-    if (found == present.end() || found->second.second != line.second) {
-      write(line.first, line.second);
-    }
-  }
-  return status;
-}
-
 Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
   Status status = ERROR_SUCCESS;
   switch (step.kind) {
@@ -395,7 +343,7 @@ Status SetOffer::doStep(const Step& step, Files& files, std::string& message) {
       if (status == ERROR_SUCCESS) status = files.setAttributes(step.place, step.attributes);
       break;
     case Step::Kind::WritePasswordLists:
-      status = writePasswordLists(step, files);
+      status = writePasswordLists(session_, files, step.file);
       break;
   }
   if (status != ERROR_SUCCESS) {

@@ -10,6 +10,7 @@
 
 #include "backup/associations.h"
 #include "backup/folder_tree.h"
+#include "backup/password_lists.h"
 #include "platform/text/reg_names.h"
 #include "platform/text/text.h"
 
@@ -251,12 +252,10 @@ class SetWriter {
   }
 
   Status savePasswordLists(const CategoryJob& job) {
-    const std::string lines = passwordLists(session_);
-    if (session_.g_bNT || (lines.empty() && !job.mayBeEmpty)) return ERROR_SUCCESS;
-    std::string text = "[Password Lists]\r\n";
-    for (const char c : lines) text += c == '\n' ? std::string(kCrLf) : std::string(1, c);
+    const bool empty = passwordLists(session_).empty();
+    if (session_.g_bNT || (empty && !job.mayBeEmpty)) return ERROR_SUCCESS;
     const std::string file(kPasswordsFile);
-    const Status status = files_.replace(inFolder(file), text);
+    const Status status = files_.replace(inFolder(file), passwordListsText(session_));
     return status == ERROR_SUCCESS
                ? record(job, SetEntry::Kind::File, file, session_.g_sWinDir + "system.ini")
                : status;
@@ -265,7 +264,10 @@ class SetWriter {
   Status saveFileTypes(const CategoryJob& job, std::string& reason) {
     std::vector<std::string> extensions = job.extensions;
     if (extensions.empty()) {
-      for (const FileType& type : registeredTypes(session_)) extensions.push_back(type.extension);
+      std::vector<FileType> types;
+      const Status status = listTypes(session_, types);
+      if (status != ERROR_SUCCESS) return status;
+      for (const FileType& type : types) extensions.push_back(type.extension);
     }
     const std::size_t before = done_;
     const Progress progress = [&](int percent) {
