@@ -152,6 +152,14 @@ void setCheckBox(Form& form, std::string_view control, int value) {
   usableAs<forms::CheckBox>(form, control, "a check box").Value = value;
 }
 
+void fillField(Form& form, std::string_view control, const std::string& text) {
+  auto* list = dynamic_cast<forms::ComboBox*>(&usable(form, control));
+  if (list == nullptr || list->style() == forms::ComboBox::Style::DropDown) {
+    return typeText(form, control, text);
+  }
+  select(form, {Step::Kind::Select, std::string(control), text, ""});
+}
+
 void typeText(Form& form, std::string_view control, const std::string& text) {
   if (auto* combo = dynamic_cast<forms::ComboBox*>(&usable(form, control))) {
     if (combo->style() != forms::ComboBox::Style::DropDown) {

@@ -16,6 +16,8 @@ void perform(forms::Form& form, const Step& step);
 
 // Sets a check box to a CheckValue.
 void setCheckBox(forms::Form& form, std::string_view control, int value);
+// Types into a text box, or selects in a list that takes no other text.
+void fillField(forms::Form& form, std::string_view control, const std::string& text);
 void typeText(forms::Form& form, std::string_view control, const std::string& text);
 
 }  // namespace korvex::cli

@@ -14,6 +14,7 @@
 #include "cli/tweak_json.h"
 #include "cli/tweak_names.h"
 #include "engine/readers.h"
+#include "platform/text/text.h"
 
 namespace korvex::cli {
 namespace {
@@ -130,9 +131,10 @@ void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_v
   for (Wish& wish : wishes) {
     if (wish.byDefault || wish.tweak->form != formName) continue;
     if (isTextRow(*wish.tweak)) {
-      typeText(form, wish.tweak->control, wish.typed);
-      const auto* box = form.find<forms::TextBox>(wish.tweak->control);
-      if (box == nullptr || box->Text.get() != wish.typed) refused(wish, prompts);
+      fillField(form, wish.tweak->control, wish.typed);
+      // A list knows its items without regard to case.
+      const std::string stands = form.find(wish.tweak->control)->stateText();
+      if (!platform::sameName(stands, wish.typed)) refused(wish, prompts);
       wish.applied = wish.typed != wish.before;
     } else {
       setCheckBox(form, wish.tweak->control, wish.box);

@@ -30,7 +30,7 @@ std::string_view stateName(const engine::Tweak& tweak, const TweakState& state) 
 
 bool isRoutine(const engine::Tweak& tweak) { return tweak.shape == engine::ControlShape::None; }
 
-bool isTextRow(const engine::Tweak& tweak) { return tweak.shape == engine::ControlShape::TextBox; }
+bool isTextRow(const engine::Tweak& tweak) { return engine::isField(tweak); }
 
 TweakState rowState(const engine::Tweak& tweak, TweakState read, const std::string& text) {
   if (!isTextRow(tweak) || read.kind == TweakState::Kind::Unavailable) return read;

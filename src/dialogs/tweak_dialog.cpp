@@ -29,7 +29,11 @@ Layout* groupOf(Layout& layout, std::string_view title) {
 
 TweakDialog::TweakDialog(std::string name, std::string caption, engine::Bank bank,
                          const DialogParts& parts)
-    : Form(std::move(name), std::move(caption)), parts_(parts), bank_(bank), controls_(*this) {
+    : Form(std::move(name), std::move(caption)),
+      parts_(parts),
+      bank_(bank),
+      controls_(*this),
+      fields_(parts.session, parts.regWorker, controls_.all(), [this] { edited(); }) {
   cmdApply.ToolTipText = "Write the changes to the machine";
   cmdDone.ToolTipText = "Close this window; changes that were not applied are discarded";
   cmdApply.Enabled = false;
@@ -70,7 +74,9 @@ void TweakDialog::Load() {
   const bool noRecord = std::exchange(parts_.session.g_bNoRecord, true);
   trap("Form_Load", [this] {
     engine::readIntoForm(*this, parts_.session, [this](int percent) { Progress = percent; });
+    readMore();
   });
+  fields_.load();
   disableFrames();
   parts_.session.g_bNoRecord = noRecord;
   Progress = -1;
@@ -87,10 +93,15 @@ void TweakDialog::enclose(forms::Frame& frame) {
 
 void TweakDialog::disableFrames() {
   for (forms::Frame* frame : frames_) {
-    const std::vector<Layout>& parts = groupOf(layout, frame->Caption.get())->parts;
-    const auto usable = [](const Layout& part) { return part.control->Enabled.get(); };
-    if (parts.empty() || std::ranges::any_of(parts, usable)) continue;
-    frame->ToolTipText = parts.front().control->ToolTipText.get();
+    std::vector<forms::Control*> inside;
+    for (const Layout& part : groupOf(layout, frame->Caption.get())->parts) {
+      for (forms::Control* control : controlsIn(part)) {
+        if (control->kind() != forms::ControlKind::Label) inside.push_back(control);
+      }
+    }
+    const auto usable = [](const forms::Control* control) { return control->Enabled.get(); };
+    if (inside.empty() || std::ranges::any_of(inside, usable)) continue;
+    frame->ToolTipText = inside.front()->ToolTipText.get();
     frame->Enabled = false;
   }
 }
@@ -98,10 +109,36 @@ void TweakDialog::disableFrames() {
 void TweakDialog::cmdApply_Click() {
   parts_.session.trace.enter(fmt::format("[{}.cmdApply]", name()));
   Busy = true;
-  const auto failures = engine::applyBank(bank_, parts_.session, parts_.pending, parts_.regWorker);
+  auto failures = engine::applyBank(bank_, parts_.session, parts_.pending, parts_.regWorker);
+  for (const auto& written : {fields_.writeNumbers(), fields_.writeTexts()}) {
+    failures.insert(failures.end(), written.begin(), written.end());
+  }
+  const std::vector<std::string> trouble = applyMore();
   cmdApply.Enabled = false;
   Busy = false;
-  if (!engine::finishApply(parts_.session, failures)) cmdApply.Enabled = changesWaiting() > 0;
+  showStatus();
+  if (!engine::finishApply(parts_.session, failures, trouble)) {
+    cmdApply.Enabled = changesWaiting() > 0;
+  }
+}
+
+void TweakDialog::edited() {
+  if (parts_.session.g_bNoRecord) return;
+  cmdApply.Enabled = true;
+  showStatus();
+}
+
+void TweakDialog::addTo(std::string_view group, Layout part) {
+  if (Layout* found = groupOf(layout, group)) {
+    found->parts.push_back(std::move(part));
+  } else {
+    layout.parts.front().parts.push_back(Layout::group(std::string(group), {std::move(part)}));
+  }
+}
+
+void TweakDialog::addOpener(std::string_view group, const Opener& row) {
+  forms::CommandButton* button = makeOpener(*this, parts_, row);
+  if (button != nullptr) addTo(group, Layout::row({Layout::of(*button), Layout::space()}));
 }
 
 bool TweakDialog::QueryUnload() {
@@ -111,11 +148,12 @@ bool TweakDialog::QueryUnload() {
 
 // A marker that stayed would be carried out by a later Apply, with a box that says otherwise.
 void TweakDialog::Unload() {
-  if (changesWaiting() > 0) parts_.pending.discard(bank_);
+  if (!parts_.pending.waiting(bank_).empty()) parts_.pending.discard(bank_);
 }
 
 int TweakDialog::changesWaiting() const {
-  return static_cast<int>(parts_.pending.waiting(bank_).size());
+  return static_cast<int>(parts_.pending.waiting(bank_).size()) + fields_.changesWaiting() +
+         moreChanges();
 }
 
 void TweakDialog::showStatus() { StatusText = engine::waitingText(changesWaiting()); }

@@ -1,28 +1,19 @@
 // TweakDialog: a dialog made of the rows of its bank. A click is recorded at once, cmdApply carries
-// the bank out, and what was not applied is gone when the dialog closes.
+// the bank out, and what was not applied is gone when the dialog closes. A dialog with more than
+// rows derives from it and says how that is read, counted and written.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "dialogs/dialog_parts.h"
 #include "engine/apply.h"
-#include "engine/pending_changes.h"
-#include "engine/reg_worker.h"
 #include "engine/tweak_controls.h"
+#include "engine/value_fields.h"
 #include "forms/form.h"
-#include "foundation/session.h"
 
 namespace korvex::dialogs {
-
-// What every dialog is given. The objects outlive it.
-struct DialogParts {
-  foundation::Session& session;
-  engine::RegWorker& regWorker;
-  engine::PendingChanges& pending;
-  // Whether closing asks before it discards changes; not where nobody is in front of it.
-  bool askBeforeDiscarding = true;
-};
 
 class TweakDialog : public forms::Form {
  public:
@@ -46,7 +37,26 @@ class TweakDialog : public forms::Form {
   // is disabled, with their reason. For constructors.
   void enclose(forms::Frame& frame);
 
-  foundation::Session& session() { return parts_.session; }
+  // What the dialog has beyond its rows. Reading happens after the rows, with g_bNoRecord set, and
+  // writes nothing.
+  virtual void readMore() {}
+  // Changes of it that Apply would write.
+  virtual int moreChanges() const { return 0; }
+  // Writes them, after the bank and the fields: a sentence for the person for each that failed.
+  virtual std::vector<std::string> applyMore() { return {}; }
+  // To be called when something of it was changed by the person.
+  void edited();
+
+  // Puts a part below what the group of that title has; a group of that title is made where there
+  // is none. For constructors.
+  void addTo(std::string_view group, forms::Layout part);
+  // The same with a button that opens another window; nothing where there is no such window.
+  void addOpener(std::string_view group, const Opener& row);
+
+  foundation::Session& session() const { return parts_.session; }
+  const DialogParts& parts() const { return parts_; }
+  // Runs handler in an error trap under "frmX.routine".
+  void trap(const std::string& routine, const std::function<void()>& handler);
 
  private:
   void connect(const engine::TweakControl& entry);
@@ -54,11 +64,11 @@ class TweakDialog : public forms::Form {
   void disableFrames();
   int changesWaiting() const;
   void showStatus();
-  void trap(const std::string& routine, const std::function<void()>& handler);
 
   DialogParts parts_;
   engine::Bank bank_;
   engine::TweakControls controls_;
+  engine::ValueFields fields_;
   std::vector<forms::Frame*> frames_;
   forms::Subscription changed_;
   bool reverting_ = false;

@@ -66,7 +66,7 @@ class FormReader {
     const Tweak tweak = onMachine(row, session_);
     session_.trace.enter(fmt::format("[{}]", readerName(tweak)));
     adaptControl(row, tweak);
-    if (tweak.shape == ControlShape::TextBox) return readTextBox(tweak);
+    if (isField(tweak)) return readField(tweak);
     auto* box = form_.find<forms::CheckBox>(tweak.control);
     if (box == nullptr) return;
     const TweakState state = reader_.state(tweak);
@@ -110,13 +110,21 @@ class FormReader {
     }
   }
 
-  void readTextBox(const Tweak& tweak) {
-    auto* box = form_.find<forms::TextBox>(tweak.control);
-    if (box == nullptr) return;
+  void readField(const Tweak& tweak) {
+    forms::Control* control = form_.find(tweak.control);
+    if (control == nullptr) return;
     const TweakState state = availability(tweak, session_);
     if (state.kind == Kind::Unavailable) return disable(form_, tweak, state.reason);
-    box->Text = readText(tweak, session_);
-    session_.trace.dump(fmt::format("{}.Text$", tweak.control), box->Text.get());
+    const std::string text = readText(tweak, session_);
+    if (auto* box = dynamic_cast<forms::TextBox*>(control)) box->Text = text;
+    if (auto* list = dynamic_cast<forms::ComboBox*>(control)) select(*list, text);
+    session_.trace.dump(fmt::format("{}.Text$", tweak.control), text);
+  }
+
+  static void select(forms::ComboBox& list, const std::string& text) {
+    const auto item = std::ranges::find(list.items(), text);
+    list.ListIndex =
+        item == list.items().end() ? -1 : static_cast<int>(item - list.items().begin());
   }
 
   forms::Form& form_;

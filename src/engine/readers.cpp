@@ -107,10 +107,18 @@ TweakState readState(const Tweak& tweak, Session& session) {
 
 std::string readText(const Tweak& row, Session& session) {
   const Tweak tweak = onMachine(row, session);
+  if (tweak.textReader != nullptr) return tweak.textReader(tweak, session);
   bool bMissing = false;
   const Variant raw =
       foundation::P_ReadRegValue(session, tweak.root, tweak.key, tweak.value, bMissing, true);
-  return foundation::variantText(bMissing || raw.isEmpty() ? variantOf(tweak.byDefault) : raw);
+  if (bMissing || raw.isEmpty()) {
+    return tweak.byDefault == kDelete ? std::string(tweak.orWord)
+                                      : foundation::variantText(variantOf(tweak.byDefault));
+  }
+  // A DWORD has no sign.
+  const auto number = raw.number();
+  return number && tweak.digitsOnly ? std::to_string(static_cast<std::uint32_t>(*number))
+                                    : foundation::variantText(raw);
 }
 
 TweakState p_DetermineDefrag(const Tweak& tweak, Session& session) {

@@ -60,13 +60,12 @@ bool RegWorker::removeDefragEntry() {
 
 std::string RegWorker::fieldText(const Tweak& tweak) {
   if (session_.g_bDefaulting) return std::string(tweak.byDefault.text);
-  const auto* box = formBook_.load(tweak.form).find<forms::TextBox>(tweak.control);
-  if (box == nullptr) {
-    throw foundation::RuntimeError(foundation::kErrorInternal,
-                                   fmt::format("{} has no text box {}.", tweak.form, tweak.control),
-                                   std::string(tweak.property));
-  }
-  return box->Text;
+  const forms::Form& form = formBook_.load(tweak.form);
+  if (const auto* box = form.find<forms::TextBox>(tweak.control)) return box->Text;
+  if (const auto* list = form.find<forms::ComboBox>(tweak.control)) return list->Text;
+  throw foundation::RuntimeError(foundation::kErrorInternal,
+                                 fmt::format("{} has no field {}.", tweak.form, tweak.control),
+                                 std::string(tweak.property));
 }
 
 bool RegWorker::P_rwStartMenuSpeed(const Tweak& tweak) {

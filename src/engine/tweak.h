@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
+#include <string>
 #include <string_view>
 
 #include "platform/registry.h"
@@ -66,7 +68,7 @@ struct TweakState {
 };
 
 // None: a routine without a control of its own, for others to call and for restore-defaults.
-enum class ControlShape : std::uint8_t { CheckBox, TextBox, None };
+enum class ControlShape : std::uint8_t { CheckBox, TextBox, ComboBox, None };
 
 // A row that the engine's mode tables cannot carry out names the member that does; a row whose
 // state is more than its one value names its reader.
@@ -76,6 +78,8 @@ using Special = bool (RegWorker::*)(const Tweak&);
 // routine does nothing, and its change keeps waiting.
 using Ask = bool (RegWorker::*)(const Tweak&);
 using SpecialReader = TweakState (*)(const Tweak&, foundation::Session&);
+// The text of a field that is more than the value there.
+using TextReader = std::string (*)(const Tweak&, foundation::Session&);
 // Why this machine cannot have the tweak, beyond its Windows; "" where it can. Reads only.
 using Condition = std::string_view (*)(const Tweak&, foundation::Session&);
 // Fills in what depends on a fact of the machine: a key, a value's name, a default, a caption.
@@ -101,8 +105,14 @@ struct Tweak {
   std::string_view stateName = {};  // name of the state value: "Defrag"
   std::string_view form = "frmMain";
   std::string_view control = {};  // "chkHideRun"
-  std::string_view buddy = {};    // label of a text box: its control name is "lbl" + this
+  std::string_view buddy = {};    // label of a field: its control name is "lbl" + this
   ControlShape shape = ControlShape::CheckBox;
+  // Of a text box: it takes digits, or this word, which a missing value is shown as; a plain text
+  // otherwise.
+  bool digitsOnly = false;
+  std::string_view orWord = {};
+  // Of a combo box: what can be chosen.
+  std::span<const std::string_view> choices = {};
   Page page = Page::Security;
   std::string_view group = {};    // title of the frame it stands in
   std::string_view caption = {};  // '&' marks the mnemonic
@@ -116,9 +126,15 @@ struct Tweak {
   Special special = nullptr;
   Ask ask = nullptr;
   SpecialReader reader = nullptr;
+  TextReader textReader = nullptr;
   Condition lacks = nullptr;
   Adapt adapt = nullptr;
 };
+
+// Whether the row's control holds its value as text, instead of standing for one of two states.
+constexpr bool isField(const Tweak& row) {
+  return row.shape == ControlShape::TextBox || row.shape == ControlShape::ComboBox;
+}
 
 // The row as it is on this machine: adapt carried out.
 Tweak onMachine(const Tweak& row, foundation::Session& session);

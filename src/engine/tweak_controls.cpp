@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "engine/catalogue.h"
-#include "engine/reg_worker.h"
 #include "engine/whats_this.h"
 
 namespace korvex::engine {
@@ -15,7 +14,7 @@ using forms::Layout;
 
 namespace {
 
-constexpr int kDelayDigits = 10;  // what a 32-bit number needs
+constexpr int kDigits = 10;  // what a 32-bit number needs
 constexpr int kLongestText = 255;
 
 }  // namespace
@@ -32,7 +31,7 @@ TweakControls::TweakControls(forms::Form& form) : form_(form) {
 }
 
 void TweakControls::makeControl(const Tweak& tweak, Group& group) {
-  if (tweak.shape == ControlShape::TextBox) {
+  if (isField(tweak)) {
     makeField(tweak, group);
   } else {
     group.parts.push_back(Layout::of(
@@ -44,17 +43,26 @@ void TweakControls::makeControl(const Tweak& tweak, Group& group) {
   controls_.push_back({&tweak, control});
 }
 
-void TweakControls::makeField(const Tweak& tweak, Group& group) {
-  const bool isNumber = tweak.special == &RegWorker::P_rwStartMenuSpeed;
-  auto& text = form_.own<forms::TextBox>(
+forms::Control& TweakControls::ownField(const Tweak& tweak) {
+  if (tweak.shape == ControlShape::ComboBox) {
+    auto& list = form_.own<forms::ComboBox>(std::string(tweak.control));
+    for (const std::string_view choice : tweak.choices) list.AddItem(std::string(choice));
+    return list;
+  }
+  const int digits = std::max(kDigits, static_cast<int>(tweak.orWord.size()));
+  return form_.own<forms::TextBox>(
       std::string(tweak.control),
-      forms::TextBoxOptions{.maxLength = isNumber ? kDelayDigits : kLongestText,
-                            .widthInCharacters = isNumber ? kDelayDigits : 2 * kDelayDigits});
+      forms::TextBoxOptions{.maxLength = tweak.digitsOnly ? digits : kLongestText,
+                            .widthInCharacters = tweak.digitsOnly ? digits : 2 * kDigits});
+}
+
+void TweakControls::makeField(const Tweak& tweak, Group& group) {
+  forms::Control& field = ownField(tweak);
   auto& label =
-      form_.own<forms::Label>("lbl" + std::string(tweak.buddy), std::string(tweak.caption), &text);
+      form_.own<forms::Label>("lbl" + std::string(tweak.buddy), std::string(tweak.caption), &field);
   label.ToolTipText = std::string(tweak.toolTip);
   group.fields.push_back(Layout::of(label));
-  group.fields.push_back(Layout::of(text));
+  group.fields.push_back(Layout::of(field));
 }
 
 Layout TweakControls::layoutOf(Group& group) {

@@ -37,6 +37,7 @@ class TweakControls {
 
   void makeControl(const Tweak& tweak, Group& group);
   void makeField(const Tweak& tweak, Group& group);
+  forms::Control& ownField(const Tweak& tweak);
   static forms::Layout layoutOf(Group& group);
 
   forms::Form& form_;

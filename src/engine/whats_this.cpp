@@ -65,7 +65,7 @@ WrittenTexts writtenTexts(const Tweak& tweak) {
     texts.checked = outcomeText(tweak, decide(tweak, 1, Variant()), false);
     texts.unchecked = outcomeText(tweak, decide(tweak, 0, Variant()), true);
   }
-  if (tweak.special == nullptr || tweak.shape == ControlShape::TextBox) {
+  if (tweak.special == nullptr || isField(tweak)) {
     texts.byDefault = outcomeText(tweak, decideDefault(tweak), true);
   }
   return texts;

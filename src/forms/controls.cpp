@@ -38,7 +38,9 @@ TextBox::TextBox(Form& form, std::string name, TextBoxOptions options)
   Text.changed += [this] { Change.raise(); };
 }
 
-std::string TextBox::stateText() const { return Text; }
+std::string TextBox::stateText() const {
+  return options_.password && !Text->empty() ? "(hidden)" : Text.get();
+}
 
 std::string ListControl::stateText() const { return selectedItem(); }
 

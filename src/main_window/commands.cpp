@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "backup/config_set.h"
-#include "engine/apply.h"
+#include "engine/at_once.h"
+#include "engine/folder_choice.h"
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
-#include "foundation/reg_value.h"
 #include "main_window/options.h"
 
 namespace korvex::main_window {
@@ -50,7 +50,7 @@ const std::vector<CommandButtons::Row>& CommandButtons::rows() {
   using B = CommandButtons;
   static const std::vector<Row> table{
       {"cmdMoreSecurity", "More restrictions...", Page::Security, "More",
-       "Opens a window with further restrictions", kEvery, 0, &B::cmdMoreSecurity_Click},
+       "Opens a window with further restrictions", kEvery, 0, nullptr, "frmMoreSecurity"},
       {"cmdStartMenuAlpha", "Sort the Start men&u by name", Page::WinTweaks, "Start menu",
        "Forgets the order that items were dragged into", kEvery, kWin95 | kNT4,
        &B::cmdStartMenuAlpha_Click},
@@ -65,12 +65,31 @@ const std::vector<CommandButtons::Row>& CommandButtons::rows() {
        "Forgets the commands typed into Run", kEvery, 0, &B::cmdClearRUN_Click},
       {"cmdInstallPath", "Windows's source path...", Page::WinTweaks, "Setup",
        "Changes where Windows looks for its own files", kEvery, 0, &B::cmdInstallPath_Click},
+      {"cmdSystemInformation", "Owner and company...", Page::WinTweaks, "Setup",
+       "Changes to whom Windows is registered", kEvery, 0, nullptr, "frmSystemInformation"},
+      {"cmdAutoLogon", "Automatic logon...", Page::WinTweaks, "Setup",
+       "Has Windows log a user on by itself", kEvery, 0, nullptr, "frmAutoLogon"},
+      {"cmdMoreWinTweaks", "More Win Tweaks...", Page::WinTweaks, "More",
+       "Opens a window with further settings of Explorer, Internet Explorer and hardware", kEvery,
+       0, nullptr, "frmWinTweaksII"},
       {"cmdMSConfig", "System &Configuration", Page::Windows9x, "Programs",
        "Starts msconfig.exe of the machine", kWin98 | kWinMe, 0, &B::cmdMSConfig_Click},
       {"cmdWinCompat", "&Make Compatible", Page::Windows9x, "Programs",
        "Starts mkcompat.exe of the machine", k9x, 0, &B::cmdWinCompat_Click},
+      {"cmdCustomLogon", "Message before logon...", Page::NT4Win2K, "Logon",
+       "Changes what is shown before anybody logs on", kEvery, 0, nullptr, "frmCustomLogon"},
+      {"cmdLogonBitmap", "Logon bitmap...", Page::NT4Win2K, "Logon",
+       "Changes the picture behind the logon prompt", kNT, 0, nullptr, "frmLogon_Bitmap"},
       {"cmdChangePrintSpool", "Spool folder...", Page::NT4Win2K, "Printing",
        "Changes where documents wait for their printer", kNT, 0, &B::cmdChangePrintSpool_Click},
+      {"cmdNT4_Win2KCont", "More NT4/Win2K tweaks...", Page::NT4Win2K, "More",
+       "Opens a window with further settings of NT", kNT, 0, nullptr, "frmNT4_Win2KCont"},
+      {"cmdNTServer", "NT server...", Page::NT4Win2K, "More",
+       "Opens a window with settings of a server", kNT, 0, nullptr, "frmNTServer"},
+      {"cmdNTDebug", "Boot.ini and debugging...", Page::NT4Win2K, "More",
+       "Edits boot.ini and shows in which order drivers load", kEvery, 0, nullptr, "frmNTDebug"},
+      {"cmdL2Cache", "L2 cache...", Page::NT4Win2K, "More",
+       "Tells NT the size of the second-level cache", kNT, 0, nullptr, "frmL2Cache"},
       {"cmdBrowse", "Bro&wse...", Page::Registry, "Saved settings",
        "Chooses the folder of saved registry settings", kEvery, 0, &B::cmdBrowse_Click},
   };
@@ -90,13 +109,23 @@ CommandButtons::CommandButtons(forms::Form& form, foundation::Session& session,
           form.own<forms::Label>("lblRegPath", "&Folder of saved settings:", &txtRegPath_)) {
   txtRegPath_.ToolTipText = "Where registry settings are saved";
   for (const Row& row : rows()) {
+    if (!exists(row)) continue;
     auto& button = form.own<CommandButton>(row.name, row.caption);
     button.ToolTipText = row.toolTip;
     button.Click += [this, &row] {
-      foundation::guarded(session_, std::string(row.name) + "_Click",
-                          [this, &row] { (this->*row.handler)(); });
+      foundation::guarded(session_, std::string(row.name) + "_Click", [this, &row] { press(row); });
     };
   }
+}
+
+bool CommandButtons::exists(const Row& row) const {
+  return row.opens == nullptr || formBook_.knows(row.opens);
+}
+
+void CommandButtons::press(const Row& row) {
+  if (row.opens == nullptr) return (this->*row.handler)();
+  formBook_.showModal(row.opens);
+  load();  // what the window may have changed
 }
 
 std::vector<Layout> CommandButtons::groups(Page page) {
@@ -105,7 +134,7 @@ std::vector<Layout> CommandButtons::groups(Page page) {
     groups.push_back(Layout::group("Logon", {Layout::of(lblLogonMessage_)}));
   }
   for (const Row& row : rows()) {
-    if (row.page != page) continue;
+    if (row.page != page || !exists(row)) continue;
     auto& button = *form_.find<CommandButton>(row.name);
     std::vector<Layout> parts;
     if (row.handler == &CommandButtons::cmdBrowse_Click) {
@@ -128,6 +157,7 @@ std::vector<Layout> CommandButtons::groups(Page page) {
 
 void CommandButtons::load() {
   for (const Row& row : rows()) {
+    if (!exists(row)) continue;
     const engine::Tweak facts{
         .property = {}, .families = row.families, .needsDesktopUpdate = row.needsDesktopUpdate};
     const engine::TweakState state = engine::availability(facts, session_);
@@ -166,27 +196,26 @@ void CommandButtons::p_DetermineDefaultPrintSpoolDir() {
 
 void CommandButtons::showRegPath() { txtRegPath_.Text = backup::saveFolder(session_); }
 
-void CommandButtons::cmdMoreSecurity_Click() { formBook_.showModal("frmMoreSecurity"); }
-
 void CommandButtons::cmdStartMenuAlpha_Click() {
   const int count = countEntries(ShellList::MenuOrder, session_);
-  if (!asked(withCount("Force Start Menu items alphabetical?", count,
-                       {"stored order", "stored orders"}))) {
+  if (!engine::askYesNo(session_, withCount("Force Start Menu items alphabetical?", count,
+                                            {"stored order", "stored orders"}))) {
     return;
   }
   if (!cleared(ShellList::MenuOrder, "The order of the Start menu")) return;
-  tell(count == 0 ? "Operation complete.\r\nNo menu had an order of its own."
-                  : "Operation complete.",
-       kIconInformation);
+  engine::tell(session_,
+               count == 0 ? "Operation complete.\r\nNo menu had an order of its own."
+                          : "Operation complete.",
+               kIconInformation);
 }
 
 void CommandButtons::cmdChangePrintSpool_Click() {
   const auto folder =
-      session_.prompts().pickFolder("Identify a new default printer spool directory.");
+      engine::chooseFolder(session_, "Identify a new default printer spool directory.");
   if (!folder || folder->empty()) return;
   if (!write(kPrinters, kSpoolDirectory, *folder, "The spool directory")) return;
   p_DetermineDefaultPrintSpoolDir();
-  tell("Default spool directory successfully changed.", kIconInformation);
+  engine::tell(session_, "Default spool directory successfully changed.", kIconInformation);
 }
 
 void CommandButtons::cmdInstallPath_Click() {
@@ -201,7 +230,7 @@ void CommandButtons::cmdInstallPath_Click() {
 
 void CommandButtons::cmdBrowse_Click() {
   const auto folder =
-      session_.prompts().pickFolder("Identify the folder where registry settings will be stored.");
+      engine::chooseFolder(session_, "Identify the folder where registry settings will be stored.");
   if (!folder || folder->empty()) return;
   if (write(kConfiguration, kRegPath, *folder, "The folder of saved settings")) showRegPath();
 }
@@ -226,20 +255,23 @@ void CommandButtons::cmdClearRUN_Click() {
 void CommandButtons::clear(ShellList list, std::string_view question, const Noun& noun) {
   const int count = countEntries(list, session_);
   const bool asks = !question.empty() && !session_.g_bNoShowConfirmation;
-  if (asks && !asked(withCount(question, count, noun))) return;
+  if (asks && !engine::askYesNo(session_, withCount(question, count, noun))) return;
   if (!cleared(list, "The list")) return;
-  tell(count == 0 ? "There was nothing to clear." : fmt::format("{} cleared.", noun.of(count)),
-       kIconInformation);
+  engine::tell(
+      session_,
+      count == 0 ? "There was nothing to clear." : fmt::format("{} cleared.", noun.of(count)),
+      kIconInformation);
 }
 
 bool CommandButtons::cleared(ShellList list, std::string_view what) {
-  const Status status = clearList(list, session_);
-  session_.trace.dump("lRetVal&", status);
-  if (status != ERROR_SUCCESS) {
-    fail(what, status);
-    return false;
-  }
-  return engine::finishApply(session_, {});
+  return engine::finishAtOnce(session_, what, clearList(list, session_));
+}
+
+bool CommandButtons::write(std::string_view key, std::string_view name, const std::string& text,
+                           std::string_view what) {
+  return engine::changeAtOnce(session_, what, [&] {
+    return engine::putValue(session_, HKEY_LOCAL_MACHINE, key, name, text);
+  });
 }
 
 void CommandButtons::cmdMSConfig_Click() { start("msconfig.exe"); }
@@ -251,38 +283,11 @@ void CommandButtons::start(const std::string& program) {
       session_.machine().processes().ShellExecuteA("open", program, "", "", message);
   session_.trace.dump("lRetVal&", status);
   if (status == ERROR_SUCCESS) return;
-  tell(message.empty()
-           ? fmt::format("{} could not be started: {}.", program, describeStatus(status))
-           : message,
-       kIconExclamation);
-}
-
-bool CommandButtons::asked(const std::string& question) {
-  return session_.prompts().messageBox(question, kButtonsYesNo | kIconQuestion,
-                                       foundation::kAppTitle) == Answer::Yes;
-}
-
-bool CommandButtons::write(std::string_view key, std::string_view name, const std::string& text,
-                           std::string_view what) {
-  Status status = ERROR_SUCCESS;
-  foundation::P_WriteRegValue(session_, HKEY_LOCAL_MACHINE, key, name, text, KEY_ALL_ACCESS, true,
-                              &status);
-  if (status != ERROR_SUCCESS) {
-    fail(what, status);
-    return false;
-  }
-  return engine::finishApply(session_, {});
-}
-
-void CommandButtons::fail(std::string_view what, Status status) {
-  tell(fmt::format("{} could not be changed: {}.\r\nNothing was changed. Put the cause right and "
-                   "try again.",
-                   what, describeStatus(status)),
-       kIconExclamation);
-}
-
-void CommandButtons::tell(const std::string& text, int icon) {
-  session_.prompts().messageBox(text, kButtonsOk | icon, foundation::kAppTitle);
+  engine::tell(session_,
+               message.empty()
+                   ? fmt::format("{} could not be started: {}.", program, describeStatus(status))
+                   : message,
+               kIconExclamation);
 }
 
 }  // namespace korvex::main_window

@@ -40,10 +40,13 @@ class CommandButtons : public PageSection {
     engine::Families families;
     engine::Families needsDesktopUpdate;
     void (CommandButtons::*handler)();
+    const char* opens = nullptr;  // the window, instead of a handler
   };
   static const std::vector<Row>& rows();
 
-  void cmdMoreSecurity_Click();
+  // A button to a window that the program does not have is left out.
+  bool exists(const Row& row) const;
+  void press(const Row& row);
   void cmdStartMenuAlpha_Click();
   void cmdChangePrintSpool_Click();
   void cmdInstallPath_Click();
@@ -62,9 +65,6 @@ class CommandButtons : public PageSection {
   bool write(std::string_view key, std::string_view name, const std::string& text,
              std::string_view what);
   void start(const std::string& program);
-  bool asked(const std::string& question);
-  void fail(std::string_view what, platform::Status status);
-  void tell(const std::string& text, int icon);
   void p_DetermineDefaultPrintSpoolDir();
   void p_DetermineLogonMessage();
   void showRegPath();

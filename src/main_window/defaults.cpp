@@ -22,7 +22,7 @@ constexpr std::size_t kMostNamed = 15;
 
 // How a tweak stands, so that two looks at it can be compared.
 std::string standing(const Tweak& tweak, Session& session) {
-  if (tweak.shape == ControlShape::TextBox) return engine::readText(tweak, session);
+  if (engine::isField(tweak)) return engine::readText(tweak, session);
   return std::to_string(static_cast<int>(engine::readState(tweak, session).kind));
 }
 

@@ -182,13 +182,14 @@ void frmMain::cmdApply_Click() {
   for (const Bank bank : {Bank::MainWindow, Bank::Configuration}) {
     add(engine::applyBank(bank, session_, pending_, regWorker_, step));
   }
-  add(fields_.writeMenuSpeed());
+  add(fields_.writeNumbers());
   std::vector<std::string> trouble;
   for (const auto& section : sections_) {
     const std::string sentence = section->apply();
     if (!sentence.empty()) trouble.push_back(sentence);
   }
-  add(fields_.P_WriteExplorerDesc());
+  session_.trace.enter("[P_WriteExplorerDesc]");
+  add(fields_.writeTexts());
   cmdApply.Enabled = false;
   readOptions(session_);
   Progress = -1;

@@ -12,6 +12,7 @@
 #include "engine/apply.h"
 #include "engine/pending_changes.h"
 #include "engine/reg_worker.h"
+#include "engine/value_fields.h"
 #include "forms/form.h"
 #include "forms/form_book.h"
 #include "foundation/session.h"
@@ -19,7 +20,6 @@
 #include "main_window/page_section.h"
 #include "main_window/registry_page.h"
 #include "main_window/start_up.h"
-#include "main_window/text_fields.h"
 
 namespace korvex::main_window {
 
@@ -74,7 +74,7 @@ class frmMain : public forms::Form {
   StartOptions options_;
   StartUp startUp_;
   MainPages pages_;
-  TextFields fields_;
+  engine::ValueFields fields_;
   std::vector<std::unique_ptr<PageSection>> sections_;
   RegistryPage* registryPage_ = nullptr;  // one of them
   StartResult startResult_ = StartResult::NotYet;

@@ -17,36 +17,56 @@ using main_window::frmMain;
 
 constexpr std::string_view kMainWindow = frmMain::kName;
 
-// A dialog that is nothing but the rows of its bank.
-struct RowsDialog {
-  engine::Bank bank;
+// A dialog: its name, what it is for, and how it is made of what every dialog is given. One that
+// needs more is made by addDialogs.
+struct DialogRow {
   FormRow form;
-  const char* caption;
-};
-constexpr std::array kRowsDialogs{
-    RowsDialog{engine::Bank::WinTweaksII,
-               {"frmWinTweaksII", "Win Tweaks, continued"},
-               "Korvex...for Power Users - Win Tweaks II"},
-    RowsDialog{engine::Bank::NT4_Win2KCont,
-               {"frmNT4_Win2KCont", "NT4/Win2K, continued"},
-               "Korvex...for Power Users - NT4/Win2K continued"},
-    RowsDialog{engine::Bank::NTServer,
-               {"frmNTServer", "Server settings of NT"},
-               "Korvex...for Power Users -  NT Server"},
-    RowsDialog{engine::Bank::DrWat,
-               {"frmDrWat", "Dr. Watson of NT"},
-               "Korvex...for Power Users - Dr. Watson"},
+  std::unique_ptr<forms::Form> (*make)(const dialogs::DialogParts&) = nullptr;
 };
 
-constexpr std::array kForms{FormRow{kMainWindow, "The main window"},
-                            FormRow{dialogs::frmMoreSecurity::kName, "Further restrictions"},
-                            kRowsDialogs[0].form,
-                            kRowsDialogs[1].form,
-                            kRowsDialogs[2].form,
-                            kRowsDialogs[3].form,
-                            FormRow{dialogs::frmFA::kName, "File associations"},
-                            FormRow{dialogs::frmRestore::kName, "What a restore would change"},
-                            FormRow{dialogs::frmAbout::kName, "Version and machine"}};
+template <typename Dialog>
+std::unique_ptr<forms::Form> make(const dialogs::DialogParts& parts) {
+  return std::make_unique<Dialog>(parts);
+}
+
+// A dialog that is nothing but the rows of its bank.
+template <const char* Name, const char* Caption, engine::Bank Bank>
+std::unique_ptr<forms::Form> makeOfRows(const dialogs::DialogParts& parts) {
+  return std::make_unique<dialogs::TweakDialog>(Name, Caption, Bank, parts);
+}
+
+constexpr char kWinTweaksII[] = "frmWinTweaksII";
+constexpr char kWinTweaksIICaption[] = "Korvex...for Power Users - Win Tweaks II";
+constexpr char kNt4[] = "frmNT4_Win2KCont";
+constexpr char kNt4Caption[] = "Korvex...for Power Users - NT4/Win2K continued";
+constexpr char kNtServer[] = "frmNTServer";
+constexpr char kNtServerCaption[] = "Korvex...for Power Users -  NT Server";
+constexpr char kDrWat[] = "frmDrWat";
+constexpr char kDrWatCaption[] = "Korvex...for Power Users - Dr. Watson";
+
+constexpr std::array kDialogs{
+    DialogRow{{dialogs::frmMoreSecurity::kName, "Further restrictions"},
+              make<dialogs::frmMoreSecurity>},
+    DialogRow{{kWinTweaksII, "Win Tweaks, continued"},
+              makeOfRows<kWinTweaksII, kWinTweaksIICaption, engine::Bank::WinTweaksII>},
+    DialogRow{{kNt4, "NT4/Win2K, continued"},
+              makeOfRows<kNt4, kNt4Caption, engine::Bank::NT4_Win2KCont>},
+    DialogRow{{kNtServer, "Server settings of NT"},
+              makeOfRows<kNtServer, kNtServerCaption, engine::Bank::NTServer>},
+    DialogRow{{kDrWat, "Dr. Watson of NT"}, makeOfRows<kDrWat, kDrWatCaption, engine::Bank::DrWat>},
+    DialogRow{{dialogs::frmFA::kName, "File associations"}},
+    DialogRow{{dialogs::frmRestore::kName, "What a restore would change"}},
+    DialogRow{{dialogs::frmAbout::kName, "Version and machine"}},
+};
+
+constexpr auto kForms = [] {
+  std::array<FormRow, kDialogs.size() + 1> forms{FormRow{kMainWindow, "The main window"}};
+  for (std::size_t i = 0; i < kDialogs.size(); ++i) forms[i + 1] = kDialogs[i].form;
+  return forms;
+}();
+
+constexpr int kFirstBankOfDialogs = static_cast<int>(engine::Bank::WinTweaksII);
+constexpr int kLastBank = static_cast<int>(engine::Bank::DrWat);
 
 constexpr int kExitDone = 0;
 constexpr int kExitBusy = 4;
@@ -66,17 +86,13 @@ Program::Program(platform::Machine& machine, platform::Prompts& prompts, StartOp
                                      main_window::BackupParts{registryBacker_, restoreDesk_},
                                      options);
   });
-  addDialogs({session_, regWorker_, pendingChanges_, options.askBeforeDiscarding});
+  addDialogs({session_, regWorker_, pendingChanges_, formBook_, options.askBeforeDiscarding});
 }
 
 void Program::addDialogs(const dialogs::DialogParts& parts) {
-  formBook_.add(dialogs::frmMoreSecurity::kName,
-                [parts] { return std::make_unique<dialogs::frmMoreSecurity>(parts); });
-  for (const RowsDialog& dialog : kRowsDialogs) {
-    formBook_.add(std::string(dialog.form.name), [parts, &dialog] {
-      return std::make_unique<dialogs::TweakDialog>(std::string(dialog.form.name), dialog.caption,
-                                                    dialog.bank, parts);
-    });
+  for (const DialogRow& row : kDialogs) {
+    if (row.make == nullptr) continue;
+    formBook_.add(std::string(row.form.name), [parts, &row] { return row.make(parts); });
   }
   formBook_.add(dialogs::frmFA::kName, [this] {
     return std::make_unique<dialogs::frmFA>(session_, formBook_, registryBacker_, restoreDesk_);
@@ -98,8 +114,9 @@ StartResult Program::start() {
     return result;
   }
   // What a run that never ended left in the dialogs' banks: nobody remembers having clicked it.
-  pendingChanges_.discard(engine::Bank::MoreSecurity);
-  for (const RowsDialog& dialog : kRowsDialogs) pendingChanges_.discard(dialog.bank);
+  for (int bank = kFirstBankOfDialogs; bank <= kLastBank; ++bank) {
+    pendingChanges_.discard(static_cast<engine::Bank>(bank));
+  }
   return result;
 }
 

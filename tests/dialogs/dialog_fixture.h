@@ -47,7 +47,7 @@ class DialogTest : public testing::Test {
         pending(session, book) {
     foundation::detectSystem(session);
     registry().put("HKLM\\SOFTWARE\\Korvex\\CurrentSettings", "", "\"\"");
-    const DialogParts parts{session, worker, pending, true};
+    const DialogParts parts{session, worker, pending, book, true};
     book.add(frmMoreSecurity::kName, [parts] { return std::make_unique<frmMoreSecurity>(parts); });
     book.add("frmDrWat", [parts] {
       return std::make_unique<TweakDialog>("frmDrWat", "", engine::Bank::DrWat, parts);

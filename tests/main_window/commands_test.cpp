@@ -215,27 +215,28 @@ TEST_F(CommandsOn2000, FoldersAndPathsAreKeptAsTheyWereChosen) {
        nullptr, nullptr},
       {"cmdBrowse", "Identify the folder where registry settings will be stored.",
        kConfigurationKey, "RegPath", "txtRegPath", nullptr}};
+  ASSERT_EQ(0, machine->files().createFolder("C:\\Two Words"));
   KorvexRun run(machine.get());
   EXPECT_EQ("C:\\Program Files\\Korvex\\Registry",
             run.window().find<forms::TextBox>("txtRegPath")->Text.get());
   for (const Case& c : cases) {
     SCOPED_TRACE(c.button);
     const std::string before = view().value(c.key, c.value);
-    run.prompts.texts = {std::nullopt, "D:\\Two Words"};
+    run.prompts.texts = {std::nullopt, "C:\\Two Words"};
     run.prompts.messages.clear();
     auto& pressed = button(run, c.button);
     pressed.press();
     EXPECT_EQ(before, view().value(c.key, c.value));
     pressed.press();
-    EXPECT_EQ("\"D:\\Two Words\"", view().value(c.key, c.value));
+    EXPECT_EQ("\"C:\\Two Words\"", view().value(c.key, c.value));
     EXPECT_EQ(c.asked, run.prompts.messages[0].text);
     ASSERT_EQ(c.told == nullptr ? 2u : 3u, run.prompts.messages.size());
     if (c.told != nullptr) {
       EXPECT_EQ(c.told, run.prompts.messages[2].text);
     }
     if (c.shownBy != nullptr) {
-      EXPECT_TRUE(run.window().find(c.shownBy)->stateText().ends_with("D:\\Two Words") ||
-                  run.window().find(c.shownBy)->Caption->ends_with(": D:\\Two Words"));
+      EXPECT_TRUE(run.window().find(c.shownBy)->stateText().ends_with("C:\\Two Words") ||
+                  run.window().find(c.shownBy)->Caption->ends_with(": C:\\Two Words"));
     }
   }
 }

@@ -39,6 +39,7 @@ constexpr std::array kRows{
           .control = "txtStartMenu",
           .buddy = "StartMenu",
           .shape = ControlShape::TextBox,
+          .digitsOnly = true,
           .page = Page::WinTweaks,
           .group = "Start menu",
           .caption = "Start &menu delay in milliseconds:",
