@@ -8,6 +8,7 @@
 #include "cli/tweak_json.h"
 #include "engine/modes.h"
 #include "engine/readers.h"
+#include "engine/tweak_controls.h"
 #include "platform/text/text.h"
 
 namespace korvex::cli {
@@ -78,10 +79,10 @@ Rehearsal rehearse(ScriptProgram& script, AnswerScript& prompts, const Tweak& tw
 }
 
 Rehearsal rehearseChecked(ScriptProgram& script, AnswerScript& prompts, const Tweak& tweak,
-                          forms::CheckBox& box, forms::CheckValue value) {
+                          forms::Form& form, forms::CheckValue value) {
   foundation::Session& session = script.program().session();
   session.g_bNoRecord = true;
-  box.Value = value;
+  engine::showState(form, tweak, value);
   session.g_bNoRecord = false;
   return rehearse(script, prompts, tweak);
 }
@@ -102,13 +103,12 @@ Rehearsed rehearseAll(ScriptProgram& script, AnswerScript& prompts, const Tweak&
   Rehearsed result;
   if (isTextRow(tweak)) result.text = engine::readText(tweak, program.session());
   result.state = rowState(tweak, engine::readState(tweak, program.session()), result.text);
-  forms::CheckBox* box = nullptr;
   if (!isRoutine(tweak)) {
-    box = program.formBook().load(tweak.form).find<forms::CheckBox>(tweak.control);
-  }
-  if (box != nullptr) {
-    result.on = rehearseChecked(script, prompts, tweak, *box, forms::vbChecked);
-    result.off = rehearseChecked(script, prompts, tweak, *box, forms::vbUnchecked);
+    forms::Form& form = program.formBook().load(tweak.form);
+    if (engine::shownState(form, tweak)) {
+      result.on = rehearseChecked(script, prompts, tweak, form, forms::vbChecked);
+      result.off = rehearseChecked(script, prompts, tweak, form, forms::vbUnchecked);
+    }
   }
   program.session().g_bDefaulting = true;
   result.byDefault = rehearse(script, prompts, tweak);

@@ -14,6 +14,7 @@
 #include "cli/tweak_json.h"
 #include "cli/tweak_names.h"
 #include "engine/readers.h"
+#include "engine/tweak_controls.h"
 #include "platform/text/text.h"
 
 namespace korvex::cli {
@@ -124,6 +125,14 @@ bool isWaiting(ScriptProgram& script, const Tweak& tweak) {
   return std::find(waiting.begin(), waiting.end(), tweak.property) != waiting.end();
 }
 
+void click(forms::Form& form, const Tweak& tweak, int value) {
+  if (tweak.shape == engine::ControlShape::OptionPair) {
+    perform(form, {Step::Kind::Check, engine::optionName(tweak, value == 1 ? 0 : 1), "", ""});
+  } else {
+    setCheckBox(form, tweak.control, value);
+  }
+}
+
 // What the hand does on one form: every wish for it, then its Apply button.
 void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_view formName,
                  const AnswerScript& prompts) {
@@ -137,11 +146,10 @@ void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_v
       if (!platform::sameName(stands, wish.typed)) refused(wish, prompts);
       wish.applied = wish.typed != wish.before;
     } else {
-      setCheckBox(form, wish.tweak->control, wish.box);
+      click(form, *wish.tweak, wish.box);
       throwIfUnanswered(prompts);
       // A form may take a click back.
-      const auto* box = form.find<forms::CheckBox>(wish.tweak->control);
-      if (box == nullptr || box->Value != wish.box) refused(wish, prompts);
+      if (engine::shownState(form, *wish.tweak) != wish.box) refused(wish, prompts);
       wish.applied = isWaiting(script, *wish.tweak);
     }
   }

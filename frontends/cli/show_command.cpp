@@ -17,7 +17,7 @@ namespace {
 
 using engine::Tweak;
 
-bool hasBox(const Tweak& tweak) { return tweak.shape == engine::ControlShape::CheckBox; }
+bool hasBox(const Tweak& tweak) { return !isRoutine(tweak) && !isTextRow(tweak); }
 
 Json writesJson(const Rehearsal& rehearsal) {
   Json list = changesJson({rehearsal.registry, rehearsal.files});

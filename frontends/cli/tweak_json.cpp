@@ -2,6 +2,7 @@
 #include "cli/tweak_json.h"
 
 #include "engine/catalogue.h"
+#include "engine/readers.h"
 #include "forms/control.h"
 #include "platform/text/reg_names.h"
 
@@ -34,7 +35,7 @@ bool isTextRow(const engine::Tweak& tweak) { return engine::isField(tweak); }
 
 TweakState rowState(const engine::Tweak& tweak, TweakState read, const std::string& text) {
   if (!isTextRow(tweak) || read.kind == TweakState::Kind::Unavailable) return read;
-  read.kind = text == tweak.byDefault.text ? TweakState::Kind::Off : TweakState::Kind::On;
+  read.kind = text == engine::defaultText(tweak) ? TweakState::Kind::Off : TweakState::Kind::On;
   return read;
 }
 

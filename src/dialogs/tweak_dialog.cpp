@@ -47,20 +47,36 @@ TweakDialog::TweakDialog(std::string name, std::string caption, engine::Bank ban
 }
 
 void TweakDialog::connect(const engine::TweakControl& entry) {
-  auto* box = dynamic_cast<forms::CheckBox*>(entry.control);
-  if (box == nullptr) return;
-  const engine::Tweak& tweak = *entry.tweak;
-  box->Click += [this, box, &tweak] {
+  if (auto* box = dynamic_cast<forms::CheckBox*>(entry.control)) connectBox(*box, *entry.tweak);
+  if (auto* button = dynamic_cast<forms::OptionButton*>(entry.control)) {
+    connectOption(*button, *entry.tweak);
+  }
+}
+
+void TweakDialog::connectBox(forms::CheckBox& box, const engine::Tweak& tweak) {
+  box.Click += [this, &box, &tweak] {
     if (reverting_) return;
-    trap(box->name() + "_Click", [this, box, &tweak] {
-      if (!parts_.session.g_bNoRecord && !accepts(tweak, *box)) {
+    trap(box.name() + "_Click", [this, &box, &tweak] {
+      if (!parts_.session.g_bNoRecord && !accepts(tweak, box)) {
         reverting_ = true;
-        box->Value = box->Value == forms::vbChecked ? forms::vbUnchecked : forms::vbChecked;
+        box.Value = box.Value == forms::vbChecked ? forms::vbUnchecked : forms::vbChecked;
         reverting_ = false;
         return;
       }
-      parts_.pending.p_SetForApply(*box, tweak.stateName, tweak.property, static_cast<int>(bank_),
+      parts_.pending.p_SetForApply(box, tweak.stateName, tweak.property, static_cast<int>(bank_),
                                    false);
+    });
+  };
+}
+
+void TweakDialog::connectOption(forms::OptionButton& button, const engine::Tweak& tweak) {
+  button.Click += [this, &button, &tweak] {
+    const std::string routine = std::string(tweak.control) + "_Click";
+    trap(routine, [this, &routine, &button, &tweak] {
+      if (parts_.session.g_bNoRecord) return;
+      parts_.session.trace.enter(fmt::format("[{}]", routine));
+      const auto state = static_cast<std::int16_t>(engine::shownState(*this, tweak).value_or(0));
+      parts_.pending.recordState(button, state, tweak.stateName, tweak.property, bank_);
     });
   };
 }
@@ -107,7 +123,7 @@ void TweakDialog::disableFrames() {
 }
 
 void TweakDialog::cmdApply_Click() {
-  parts_.session.trace.enter(fmt::format("[{}.cmdApply]", name()));
+  parts_.session.trace.enter(fmt::format("[{}.{}]", name(), applyRoutine()));
   Busy = true;
   auto failures = engine::applyBank(bank_, parts_.session, parts_.pending, parts_.regWorker);
   for (const auto& written : {fields_.writeNumbers(), fields_.writeTexts()}) {

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dialogs/dialog_parts.h"
@@ -37,6 +38,9 @@ class TweakDialog : public forms::Form {
   // is disabled, with their reason. For constructors.
   void enclose(forms::Frame& frame);
 
+  // Under which name Apply is traced: "[frmX.cmdApply]".
+  virtual std::string_view applyRoutine() const { return "cmdApply"; }
+
   // What the dialog has beyond its rows. Reading happens after the rows, with g_bNoRecord set, and
   // writes nothing.
   virtual void readMore() {}
@@ -60,6 +64,8 @@ class TweakDialog : public forms::Form {
 
  private:
   void connect(const engine::TweakControl& entry);
+  void connectBox(forms::CheckBox& box, const engine::Tweak& tweak);
+  void connectOption(forms::OptionButton& button, const engine::Tweak& tweak);
   void cmdApply_Click();
   void disableFrames();
   int changesWaiting() const;

@@ -35,7 +35,10 @@ const BankRow* rowOf(Bank bank) {
   return found == kBanks.end() ? nullptr : &*found;
 }
 
-constexpr std::string_view kPrefix = "P_rw";
+// "P_rwRun" is "Run", and "P_ServerMaxUsers" is "ServerMaxUsers".
+std::string_view shortName(std::string_view property) {
+  return property.substr(property.starts_with("P_rw") ? 4 : 2);
+}
 
 }  // namespace
 
@@ -54,8 +57,7 @@ const std::vector<const Tweak*>& allTweaks() {
 
 const Tweak* findTweak(std::string_view property) {
   for (const Tweak* row : allTweaks()) {
-    if (sameName(row->property, property) ||
-        sameName(row->property.substr(kPrefix.size()), property)) {
+    if (sameName(row->property, property) || sameName(shortName(row->property), property)) {
       return row;
     }
   }

@@ -21,7 +21,8 @@ namespace korvex::engine {
 // Every row, in the order in which start-up reads them.
 const std::vector<const Tweak*>& allTweaks();
 
-// By property name, without regard to case, with or without "P_rw". Null where there is none.
+// By property name, without regard to case, with or without "P_rw" or "P_". Null where there is
+// none.
 const Tweak* findTweak(std::string_view property);
 // The row behind a control; null where the control is no tweak's.
 const Tweak* findTweakOf(std::string_view form, std::string_view control);

@@ -10,6 +10,7 @@
 #include "engine/catalogue.h"
 #include "engine/readers.h"
 #include "engine/reading_order.h"
+#include "engine/tweak_controls.h"
 #include "engine/whats_this.h"
 #include "foundation/error_handler.h"
 
@@ -48,7 +49,8 @@ int valueOf(Kind kind) {
 
 void disable(forms::Form& form, const Tweak& tweak, std::string_view reason) {
   const std::string label = fmt::format("lbl{}", tweak.buddy);
-  for (forms::Control* control : {form.find(tweak.control), form.find(label)}) {
+  for (forms::Control* control : {form.find(tweak.control), form.find(optionName(tweak, 0)),
+                                  form.find(optionName(tweak, 1)), form.find(label)}) {
     if (control == nullptr) continue;
     control->Enabled = false;
     control->ToolTipText = std::string(reason);
@@ -67,15 +69,15 @@ class FormReader {
     session_.trace.enter(fmt::format("[{}]", readerName(tweak)));
     adaptControl(row, tweak);
     if (isField(tweak)) return readField(tweak);
-    auto* box = form_.find<forms::CheckBox>(tweak.control);
-    if (box == nullptr) return;
+    if (!shownState(form_, tweak)) return;
     const TweakState state = reader_.state(tweak);
     if (state.kind == Kind::Unavailable) return disable(form_, tweak, state.reason);
-    box->Value = valueOf(state.kind);
-    session_.trace.dump(fmt::format("{}.Value%", tweak.control), box->Value.get());
+    const int value = valueOf(state.kind);
+    showState(form_, tweak, value);
+    session_.trace.dump(fmt::format("{}.Value%", tweak.control), value);
     // An option's state value is the option itself, which reading must not write.
     if (tweak.bank != Bank::Configuration) {
-      states_.push_back({tweak.stateName, static_cast<std::int16_t>(box->Value.get())});
+      states_.push_back({tweak.stateName, static_cast<std::int16_t>(value)});
     }
   }
 

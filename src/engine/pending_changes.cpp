@@ -64,9 +64,17 @@ void PendingChanges::p_SetForApply(forms::Control& c, std::string_view sValueNam
   foundation::guarded(session_, "p_SetForApply", [&] {
     const bool byProgram = session_.g_bReverting || session_.g_bNoRecord;
     if (!byProgram && bOffice && refusedByOffice(c)) return;
-    if (!byProgram) record(c, sValueName, sRoutine, iBank);
+    if (!byProgram) record(c, valueOf(c), sValueName, sRoutine, iBank);
     session_.g_bReverting = false;
   });
+}
+
+void PendingChanges::recordState(const forms::Control& c, std::int16_t state,
+                                 std::string_view sValueName, std::string_view sRoutine,
+                                 Bank bank) {
+  if (session_.g_bNoRecord) return;
+  foundation::guarded(session_, "p_SetForApply",
+                      [&] { record(c, state, sValueName, sRoutine, static_cast<int>(bank)); });
 }
 
 bool PendingChanges::refusedByOffice(forms::Control& c) {
@@ -86,9 +94,8 @@ bool PendingChanges::refusedByOffice(forms::Control& c) {
   return true;
 }
 
-void PendingChanges::record(const forms::Control& c, std::string_view sValueName,
-                            std::string_view sRoutine, int iBank) {
-  const Variant value = valueOf(c);
+void PendingChanges::record(const forms::Control& c, const Variant& value,
+                            std::string_view sValueName, std::string_view sRoutine, int iBank) {
   const std::string_view state = stateKey(static_cast<Bank>(iBank));
   const std::string marker = markerPath(iBank, sRoutine);
   Status lRetVal = platform::ERROR_SUCCESS;

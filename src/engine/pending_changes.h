@@ -23,6 +23,11 @@ class PendingChanges {
   void p_SetForApply(forms::Control& c, std::string_view sValueName, std::string_view sRoutine,
                      int iBank, bool bOffice);
 
+  // The same for a choice whose state is not its control's value, such as a button of
+  // an option pair. Compared, stored and marked as p_SetForApply does it.
+  void recordState(const forms::Control& c, std::int16_t state, std::string_view sValueName,
+                   std::string_view sRoutine, Bank bank);
+
   // Routine names waiting in a bank, in the registry's order of enumeration.
   std::vector<std::string> waiting(Bank bank) const;
   // How many changes wait in the main window's two banks.
@@ -43,8 +48,8 @@ class PendingChanges {
 
  private:
   bool refusedByOffice(forms::Control& c);
-  void record(const forms::Control& c, std::string_view sValueName, std::string_view sRoutine,
-              int iBank);
+  void record(const forms::Control& c, const foundation::Variant& value,
+              std::string_view sValueName, std::string_view sRoutine, int iBank);
   platform::Status restoreOptions();
 
   foundation::Session& session_;

@@ -7,6 +7,7 @@
 #include "engine/defrag_entry.h"
 #include "engine/help_file.h"
 #include "engine/modes.h"
+#include "engine/raw_value.h"
 #include "engine/same_data.h"
 #include "engine/same_name.h"
 #include "foundation/reg_value.h"
@@ -105,16 +106,18 @@ TweakState readState(const Tweak& tweak, Session& session) {
   return StateReader(session).state(tweak);
 }
 
+std::string defaultText(const Tweak& tweak) {
+  return tweak.byDefault == kDelete ? std::string(tweak.orWord)
+                                    : foundation::variantText(variantOf(tweak.byDefault));
+}
+
 std::string readText(const Tweak& row, Session& session) {
   const Tweak tweak = onMachine(row, session);
   if (tweak.textReader != nullptr) return tweak.textReader(tweak, session);
   bool bMissing = false;
   const Variant raw =
       foundation::P_ReadRegValue(session, tweak.root, tweak.key, tweak.value, bMissing, true);
-  if (bMissing || raw.isEmpty()) {
-    return tweak.byDefault == kDelete ? std::string(tweak.orWord)
-                                      : foundation::variantText(variantOf(tweak.byDefault));
-  }
+  if (bMissing || raw.isEmpty()) return defaultText(tweak);
   // A DWORD has no sign.
   const auto number = raw.number();
   return number && tweak.digitsOnly ? std::to_string(static_cast<std::uint32_t>(*number))
@@ -124,6 +127,15 @@ std::string readText(const Tweak& row, Session& session) {
 TweakState p_DetermineDefrag(const Tweak& tweak, Session& session) {
   return fromBool(holdsText(session, kRunOnceExKey, kTitleValue, kDefragTitle) ||
                   holdsText(session, tweak.key, tweak.value, *decide(tweak, 1, {}).value.string()));
+}
+
+TweakState p_DetermineDrWatsonAppendOverwrite(const Tweak& tweak, Session& session) {
+  RawValue append;
+  const Status status =
+      readRawValue(session.registry(), tweak.root, tweak.key, tweak.value, append);
+  // What could not be read is not told to be on.
+  if (missingIsFine(status) != platform::ERROR_SUCCESS) session.trace.dump("lRetVal&", status);
+  return fromBool(status == platform::ERROR_FILE_NOT_FOUND || append.number(0) != 0);
 }
 
 TweakState p_DetermineLogonCredentials(const Tweak& tweak, Session& session) {

@@ -20,8 +20,10 @@ TweakState availability(const Tweak& tweak, foundation::Session& session);
 // satisfied by a missing value.
 TweakState readState(const Tweak& tweak, foundation::Session& session);
 
-// A text field's text: the value there, or the row's default.
+// A text field's text: the value there, or defaultText.
 std::string readText(const Tweak& tweak, foundation::Session& session);
+// What it is on a machine as Windows leaves it: the row's default, or the word for no value.
+std::string defaultText(const Tweak& tweak);
 
 // readState for many rows: each key is opened once and stays open as long as the reader.
 class StateReader {
@@ -66,6 +68,12 @@ TweakState p_DetermineIE5InterfaceProps(const Tweak& tweak, foundation::Session&
 TweakState p_DetermineUserPrefMask(const Tweak& tweak, foundation::Session& session);
 // Any name of My Computer that tells who is logged on counts.
 TweakState p_DetermineLogonCredentials(const Tweak& tweak, foundation::Session& session);
+// Dr. Watson adds to its log file where nothing tells it not to.
+TweakState p_DetermineDrWatsonAppendOverwrite(const Tweak& tweak, foundation::Session& session);
+
+// The texts of the fields whose value is more than a text.
+std::string p_DetermineServerMaxUsers(const Tweak& tweak, foundation::Session& session);
+std::string p_DetermineBrowserElection(const Tweak& tweak, foundation::Session& session);
 
 // Sets the control of every row of the form to the machine's state and stores the state values.
 // Called with g_bNoRecord set. A row whose control the form does not have is left out. progress is

@@ -1,5 +1,5 @@
-// In which order start-up reads the main window's tweaks, and under which routine's name each
-// reading is traced. Rows that are not named here follow in the catalogue's order.
+// In which order the main window and the dialogs read their tweaks, and under which routine's name
+// each reading is traced. Rows that are not named here follow in the catalogue's order.
 #pragma once
 
 #include <array>
@@ -79,6 +79,27 @@ constexpr std::array kReadingOrder{
     ReadStep{"p_DetermineNoRoamProfile", "P_rwUseHomeDirectory"},
     ReadStep{"p_DetermineFastShutDown", "P_rwFastReboot"},
     ReadStep{"p_DetermineDefrag", "P_rwDefrag"},
+    // frmNT4_Win2KCont, frmNTServer, frmDrWat
+    ReadStep{"p_DetermineExplorerSeperateProcess", "P_rwDesktopProcess"},
+    ReadStep{"p_DetermineCrashControl", "P_rwAutoReboot"},
+    ReadStep{"p_DetermineLogonCredentials", "P_rwLogonCredentials"},
+    ReadStep{"p_DetermineLFNonFAT", "P_rwWin31FileSystem"},
+    ReadStep{"p_DetermineDesktopVersionNT5", "P_rwPaintDesktopVersionNT5"},
+    ReadStep{"p_DetermineFastReboot", "P_rwEnableQuickReboot"},
+    ReadStep{"p_DetermineDisallowParseAuto", "P_rwParseAutoexec"},
+    ReadStep{"p_DetermineVanJacobson", "P_rwTcpMaxDupAcks"},
+    ReadStep{"p_DetermineNtfsDisable8dot3NameCreation", "P_rwNtfsDisable8dot3NameCreation"},
+    ReadStep{"p_DetermineTruncatedExtensions", "P_rwWin95TruncatedExtensions"},
+    ReadStep{"p_DetermineLPRPrint", "P_rwUseNonRFCSourcePorts"},
+    ReadStep{"p_DetermineUNIX_FTP", "P_rwMsDosDirOutput"},
+    ReadStep{"p_DetermineShutDownOption", "P_rwShutdownWithOutLogon"},
+    ReadStep{"p_DetermineHideServer", "P_rwHidden"},
+    ReadStep{"p_DetermineMasterBrowser", "P_rwIsDomainMaster"},
+    ReadStep{"p_DetermineServerMaxUsers", "P_ServerMaxUsers"},
+    ReadStep{"p_DetermineBrowserElection", "P_BrowserElection"},
+    ReadStep{"p_DetermineDrWatsonONOFF", "P_rwAuto"},
+    ReadStep{"p_DetermineDrWatsonVisible", "P_rwVisualNotification"},
+    ReadStep{"p_DetermineDrWatsonAppendOverwrite", "P_rwAppendToLogFile"},
 };
 
 }  // namespace korvex::engine

@@ -9,6 +9,7 @@
 #include "engine/catalogue.h"
 #include "engine/kept_values.h"
 #include "engine/pending_changes.h"
+#include "engine/tweak_controls.h"
 #include "foundation/reg_value.h"
 #include "foundation/runtime_error.h"
 
@@ -111,13 +112,13 @@ bool RegWorker::writeKeepingPrevious(const Tweak& tweak, const Variant& value) {
 }
 
 int RegWorker::checkValue(const Tweak& tweak) {
-  const auto* box = formBook_.load(tweak.form).find<forms::CheckBox>(tweak.control);
-  if (box == nullptr) {
+  const std::optional<int> state = shownState(formBook_.load(tweak.form), tweak);
+  if (!state) {
     throw RuntimeError(foundation::kErrorInternal,
                        fmt::format("{} has no check box {}.", tweak.form, tweak.control),
                        std::string(tweak.property));
   }
-  return box->Value;
+  return *state;
 }
 
 Decision RegWorker::decisionFor(const Tweak& tweak) {

@@ -47,6 +47,9 @@ class RegWorker {
   bool p_rwWriteText(const Tweak& tweak);
   // The box itself, told as the row's value.
   bool P_rwAppendToLogFile(const Tweak& tweak);
+  // server.cpp
+  bool P_ServerMaxUsers(const Tweak& tweak);
+  bool P_BrowserElection(const Tweak& tweak);
   // restrictions.cpp
   bool P_rwNoAdminShares(const Tweak& tweak);
   bool P_rwNoLogOff(const Tweak& tweak);
@@ -76,7 +79,7 @@ class RegWorker {
   bool writeDefragEntry();
   bool removeDefragEntry();
   bool registerSupportProgram();
-  // The tri-state of the tweak's check box; its form is loaded where it is not.
+  // The tri-state of the tweak's check box (shownState); its form is loaded where it is not.
   int checkValue(const Tweak& tweak);
   // The text of the row's field; in restore-defaults mode the default.
   std::string fieldText(const Tweak& tweak);

@@ -67,8 +67,10 @@ struct TweakState {
   std::string_view reason;  // why it is unavailable, for people
 };
 
-// None: a routine without a control of its own, for others to call and for restore-defaults.
-enum class ControlShape : std::uint8_t { CheckBox, TextBox, ComboBox, None };
+// OptionPair: two buttons of which one is set, for a setting both of whose states need a name; the
+// first stands for a checked box. None: a routine without a control of its own, for others to call
+// and for restore-defaults.
+enum class ControlShape : std::uint8_t { CheckBox, OptionPair, TextBox, ComboBox, None };
 
 // A row that the engine's mode tables cannot carry out names the member that does; a row whose
 // state is more than its one value names its reader.
@@ -111,11 +113,15 @@ struct Tweak {
   // otherwise.
   bool digitsOnly = false;
   std::string_view orWord = {};
+  // What is told of a text that the box does not take.
+  std::string_view refusal = "This field accepts numerical characters only.";
   // Of a combo box: what can be chosen.
   std::span<const std::string_view> choices = {};
   Page page = Page::Security;
   std::string_view group = {};    // title of the frame it stands in
   std::string_view caption = {};  // '&' marks the mnemonic
+  // Of an option pair: the caption of the second button; the first has the row's.
+  std::string_view otherCaption = {};
   std::string_view toolTip = {};
   // Of a special: what it writes, checked and unchecked, for people. Key and value are told before
   // a text that begins with "Checked:"; any other one names what it works on itself.

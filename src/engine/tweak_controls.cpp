@@ -19,6 +19,31 @@ constexpr int kLongestText = 255;
 
 }  // namespace
 
+std::string optionName(const Tweak& pair, int index) {
+  return std::string(pair.control) + std::to_string(index);
+}
+
+std::optional<int> shownState(const forms::Form& form, const Tweak& row) {
+  if (row.shape == ControlShape::OptionPair) {
+    const auto* first = form.find<forms::OptionButton>(optionName(row, 0));
+    if (first == nullptr) return std::nullopt;
+    return first->Value ? forms::vbChecked : forms::vbUnchecked;
+  }
+  const auto* box = form.find<forms::CheckBox>(row.control);
+  return box == nullptr ? std::nullopt : std::optional<int>(box->Value.get());
+}
+
+bool showState(const forms::Form& form, const Tweak& row, int value) {
+  if (row.shape == ControlShape::OptionPair) {
+    auto* button = form.find<forms::OptionButton>(optionName(row, value == 1 ? 0 : 1));
+    if (button != nullptr) button->Value = true;
+    return button != nullptr;
+  }
+  auto* box = form.find<forms::CheckBox>(row.control);
+  if (box != nullptr) box->Value = value;
+  return box != nullptr;
+}
+
 TweakControls::TweakControls(forms::Form& form) : form_(form) {
   for (const Tweak* tweak : allTweaks()) {
     if (tweak->form != form.name() || tweak->shape == ControlShape::None) continue;
@@ -31,16 +56,31 @@ TweakControls::TweakControls(forms::Form& form) : form_(form) {
 }
 
 void TweakControls::makeControl(const Tweak& tweak, Group& group) {
-  if (isField(tweak)) {
-    makeField(tweak, group);
-  } else {
-    group.parts.push_back(Layout::of(
-        form_.own<forms::CheckBox>(std::string(tweak.control), std::string(tweak.caption))));
+  if (isField(tweak)) return makeField(tweak, group);
+  if (tweak.shape == ControlShape::OptionPair) return makePair(tweak, group);
+  makeBox(tweak, group);
+}
+
+void TweakControls::add(const Tweak& tweak, forms::Control& control) {
+  control.ToolTipText = std::string(tweak.toolTip);
+  control.WhatsThis = whatsThis(tweak);
+  controls_.push_back({&tweak, &control});
+}
+
+void TweakControls::makeBox(const Tweak& tweak, Group& group) {
+  auto& box = form_.own<forms::CheckBox>(std::string(tweak.control), std::string(tweak.caption));
+  group.parts.push_back(Layout::of(box));
+  add(tweak, box);
+}
+
+void TweakControls::makePair(const Tweak& tweak, Group& group) {
+  for (const int index : {0, 1}) {
+    auto& button = form_.own<forms::OptionButton>(
+        optionName(tweak, index), std::string(index == 0 ? tweak.caption : tweak.otherCaption),
+        std::string(tweak.control));
+    group.parts.push_back(Layout::of(button));
+    add(tweak, button);
   }
-  forms::Control* control = form_.find(tweak.control);
-  control->ToolTipText = std::string(tweak.toolTip);
-  control->WhatsThis = whatsThis(tweak);
-  controls_.push_back({&tweak, control});
 }
 
 forms::Control& TweakControls::ownField(const Tweak& tweak) {
@@ -63,6 +103,7 @@ void TweakControls::makeField(const Tweak& tweak, Group& group) {
   label.ToolTipText = std::string(tweak.toolTip);
   group.fields.push_back(Layout::of(label));
   group.fields.push_back(Layout::of(field));
+  add(tweak, field);
 }
 
 Layout TweakControls::layoutOf(Group& group) {

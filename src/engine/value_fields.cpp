@@ -6,6 +6,7 @@
 
 #include "engine/at_once.h"
 #include "engine/numeral_field.h"
+#include "engine/same_name.h"
 #include "foundation/error_handler.h"
 
 namespace korvex::engine {
@@ -55,16 +56,25 @@ void ValueFields::Change(Field& field) {
 
 void ValueFields::takeBack(Field& field) {
   dynamic_cast<forms::TextBox&>(*field.control).Text = field.valid;
-  tell(session_, "This field accepts numerical characters only.");
+  tell(session_, field.tweak->refusal);
+}
+
+// Nothing typed, or the word in other letters, is the word: it is shown as the next look at the
+// machine shows it.
+void ValueFields::showWord(Field& field) {
+  const std::string text = field.text();
+  const std::string_view word = field.tweak->orWord;
+  auto* box = dynamic_cast<forms::TextBox*>(field.control);
+  if (box != nullptr && (text.empty() || sameName(text, word))) box->Text = std::string(word);
 }
 
 std::vector<FailedRoutine> ValueFields::write(bool numbers) {
   std::vector<FailedRoutine> failures;
   for (Field& field : fields_) {
     if (!field.changed || field.tweak->digitsOnly != numbers) continue;
-    const std::string text = field.text();
     if (regWorker_.call(field.tweak->property)) {
-      field.applied = text;
+      if (!field.tweak->orWord.empty()) showWord(field);
+      field.applied = field.text();
     } else {
       failures.push_back({std::string(field.tweak->property), regWorker_.lastStatus});
     }

@@ -44,6 +44,7 @@ class ValueFields {
 
   void Change(Field& field);
   void takeBack(Field& field);
+  void showWord(Field& field);
   std::vector<FailedRoutine> write(bool numbers);
 
   foundation::Session& session_;

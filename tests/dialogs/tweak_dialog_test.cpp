@@ -107,8 +107,8 @@ TEST_F(TweakDialogTest, AChangeThatWaitsInAHiddenDialogIsStillThereWhenItIsShown
 TEST_F(TweakDialogTest, ABankIsItsDialogsAlone) {
   box("chkNoCP").Value = forms::vbChecked;
   auto& drWatson = dynamic_cast<TweakDialog&>(book.load("frmDrWat"));
-  drWatson.find<forms::CheckBox>("chkAppendToLogFile")->Value = forms::vbChecked;
-  drWatson.find<forms::CheckBox>("chkAppendToLogFile")->Value = forms::vbUnchecked;
+  drWatson.find<forms::CheckBox>("chkDrWatsonVisible")->Value = forms::vbChecked;
+  drWatson.find<forms::CheckBox>("chkDrWatsonVisible")->Value = forms::vbUnchecked;
   drWatson.cmdApply.press();
   EXPECT_EQ(std::vector<std::string>{"P_rwNoDispCPL"}, waiting());
   EXPECT_FALSE(drWatson.cmdApply.Enabled);

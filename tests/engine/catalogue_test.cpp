@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cctype>
 #include <map>
 #include <set>
@@ -32,12 +33,37 @@ bool checkedIsDefault(const Tweak& tweak) {
          foundation::looselyEqual(checked.value, byDefault.value);
 }
 
+struct GivenEnding {
+  std::string_view form;
+  std::string_view control;  // "" for all others of the form
+  std::string_view ending;
+};
+constexpr std::array kGivenEndings{
+    GivenEnding{"frmNT4_Win2KCont", "chkPaintVersionNT5",
+                "...default is checked...reboot required"},
+    GivenEnding{"frmNT4_Win2KCont", "", "...default is unchecked...reboot required"},
+    GivenEnding{"frmNTServer", "chkShutDownOption",
+                "...default is unchecked for WK, checked for SVR...reboot required"},
+    GivenEnding{"frmNTServer", "cboBrowseElections", "...default is 'Auto'...reboot required"},
+    GivenEnding{"frmNTServer", "txtMaxServerUsers",
+                "...default is dependent on licenses purchased...reboot required"},
+    GivenEnding{"frmNTServer", "", "...default is unchecked...reboot required"},
+};
+
 // How its tool tip has to end.
 std::string toolTipEnding(const Tweak& tweak) {
+  // These texts are given, and do not always promise what restore-defaults writes.
+  for (const GivenEnding& given : kGivenEndings) {
+    if (tweak.form == given.form && (given.control.empty() || given.control == tweak.control)) {
+      return std::string(given.ending);
+    }
+  }
   std::string ending = "...default ";
   if (tweak.special == &RegWorker::P_rwRestrictRegAccess) {
     ending += "depends on the Windows";
-  } else if (tweak.shape == ControlShape::TextBox) {
+  } else if (tweak.shape == ControlShape::OptionPair) {
+    ending += "is to append";  // the one that there is
+  } else if (isField(tweak)) {
     ending += fmt::format("is {}", tweak.byDefault.text);
   } else {
     // Its routine restores the browser's own pictures.
@@ -46,6 +72,12 @@ std::string toolTipEnding(const Tweak& tweak) {
   }
   if (tweak.reboot) ending += "...restart required";
   return ending;
+}
+
+std::string_view prefixOf(ControlShape shape) {
+  if (shape == ControlShape::TextBox) return "txt";
+  if (shape == ControlShape::ComboBox) return "cbo";
+  return shape == ControlShape::OptionPair ? "opt" : "chk";
 }
 
 // The mnemonic in lower case; 0 for none.
@@ -92,7 +124,7 @@ TEST(Catalogue, NamesAreUnique) {
         << "two rows write one value";
     if (tweak->shape == ControlShape::None) continue;
     EXPECT_EQ("", controls.add(fmt::format("{}.{}", tweak->form, tweak->control), *tweak));
-    if (tweak->shape == ControlShape::TextBox) continue;  // nothing is recorded for a text
+    if (isField(*tweak)) continue;  // nothing is recorded for a text
     EXPECT_EQ("", states.addForFamilies(
                       fmt::format("{}\\{}", stateKey(tweak->bank), tweak->stateName), *tweak));
   }
@@ -101,7 +133,8 @@ TEST(Catalogue, NamesAreUnique) {
 TEST(Catalogue, EveryRowSaysWhereItStandsAndWhatItWrites) {
   for (const Tweak* tweak : allTweaks()) {
     SCOPED_TRACE(tweak->property);
-    EXPECT_TRUE(tweak->property.starts_with("P_rw")) << "a routine's name begins with P_rw";
+    EXPECT_TRUE(tweak->property.starts_with(isField(*tweak) ? "P_" : "P_rw"))
+        << "a routine's name begins with P_rw, that of a field at least with P_";
     EXPECT_TRUE(tweak->root == HKCR || tweak->root == HKCU || tweak->root == HKLM);
     EXPECT_FALSE(tweak->key.empty()) << "name the key";
     EXPECT_FALSE(tweak->key.starts_with('\\') || tweak->key.ends_with('\\') ||
@@ -119,10 +152,12 @@ TEST(Catalogue, EveryRowSaysWhereItStandsAndWhatItWrites) {
       continue;
     }
     EXPECT_FALSE(tweak->group.empty()) << "name the frame it stands in";
-    const bool isText = tweak->shape == ControlShape::TextBox;
-    EXPECT_TRUE(tweak->control.starts_with(isText ? "txt" : "chk"));
-    EXPECT_EQ(isText, !tweak->buddy.empty()) << "a text box, and only that, has a label";
-    EXPECT_EQ(isText, tweak->stateName.empty()) << "a check box, and only that, has a state value";
+    const bool isText = isField(*tweak);
+    EXPECT_TRUE(tweak->control.starts_with(prefixOf(tweak->shape)));
+    EXPECT_EQ(isText, !tweak->buddy.empty()) << "a field, and only that, has a label";
+    EXPECT_EQ(isText, tweak->stateName.empty()) << "a box, and only that, has a state value";
+    EXPECT_EQ(tweak->shape == ControlShape::OptionPair, !tweak->otherCaption.empty());
+    EXPECT_EQ(tweak->shape == ControlShape::ComboBox, !tweak->choices.empty());
     EXPECT_TRUE(isText || tweak->special != nullptr || onAndOffDiffer(*tweak))
         << "checked and unchecked write the same";
   }
@@ -142,7 +177,7 @@ TEST(Catalogue, CaptionsAndToolTipsKeepToTheirForm) {
     EXPECT_LE(tweak->toolTip.size(), 160U) << "a tool tip is read at a glance";
     const std::string ending = toolTipEnding(*tweak);
     EXPECT_TRUE(tweak->toolTip.ends_with(ending)) << "end the tool tip with " << ending;
-    EXPECT_EQ(tweak->reboot, tweak->toolTip.find("restart required") != std::string_view::npos);
+    EXPECT_FALSE(tweak->reboot && !tweak->toolTip.ends_with(" required"));
     EXPECT_GT(tweak->toolTip.size(), ending.size() + 10) << "say what the setting does";
   }
 }
@@ -152,16 +187,18 @@ TEST(Catalogue, MnemonicsAreUniqueOnAPage) {
   std::map<std::string_view, int> shared{{"frmMoreSecurity", 11}, {"frmWinTweaksII", 1}};
   std::map<std::pair<std::string_view, Page>, std::map<char, std::string_view>> used;
   for (const Tweak* tweak : allTweaks()) {
-    const char mnemonic = mnemonicOf(tweak->caption);
-    if (mnemonic == 0) continue;
-    const auto [there, isNew] =
-        used[{tweak->form, tweak->page}].try_emplace(mnemonic, tweak->property);
-    EXPECT_TRUE(isNew || shared[tweak->form]-- > 0)
-        << tweak->property << " and " << there->second << " share '" << mnemonic
-        << "': move or drop the &";
-    const std::string_view taken = tweak->form == "frmMain" ? "abders" : "ad";
-    EXPECT_EQ(std::string_view::npos, taken.find(mnemonic))
-        << tweak->property << ": '" << mnemonic << "' belongs to the window's buttons";
+    for (const std::string_view caption : {tweak->caption, tweak->otherCaption}) {
+      const char mnemonic = mnemonicOf(caption);
+      if (mnemonic == 0) continue;
+      const auto [there, isNew] =
+          used[{tweak->form, tweak->page}].try_emplace(mnemonic, tweak->property);
+      EXPECT_TRUE(isNew || shared[tweak->form]-- > 0)
+          << tweak->property << " and " << there->second << " share '" << mnemonic
+          << "': move or drop the &";
+      const std::string_view taken = tweak->form == "frmMain" ? "abders" : "ad";
+      EXPECT_EQ(std::string_view::npos, taken.find(mnemonic))
+          << tweak->property << ": '" << mnemonic << "' belongs to the window's buttons";
+    }
   }
   for (const auto& [form, left] : shared) EXPECT_EQ(0, left) << form << " shares fewer letters";
 }
@@ -173,6 +210,8 @@ TEST(Catalogue, RowsAreFoundByAnyOfTheirNames) {
   EXPECT_EQ(run, findTweak("run"));
   EXPECT_EQ(run, findTweakOf("FRMMAIN", "chkhiderun"));
   EXPECT_EQ(nullptr, findTweak("P_rw"));
+  ASSERT_NE(nullptr, findTweak("P_ServerMaxUsers"));
+  EXPECT_EQ(findTweak("P_ServerMaxUsers"), findTweak("servermaxusers"));
   EXPECT_EQ(nullptr, findTweak(""));
   EXPECT_EQ(nullptr, findTweakOf("frmMain", "cmdApply"));
 }

@@ -16,6 +16,7 @@
 #include "engine/raw_value.h"
 #include "engine/readers.h"
 #include "engine/reg_worker.h"
+#include "engine/tweak_controls.h"
 #include "forms/form_book.h"
 #include "foundation/detection.h"
 #include "foundation/session.h"
@@ -38,19 +39,12 @@ constexpr std::string_view kRunServicesOnce =
 // A form with the controls of its rows, as the real ones have them, and an Apply button.
 class RowForm : public forms::Form {
  public:
-  explicit RowForm(const std::string& name) : Form(name, name) {
-    for (const Tweak* tweak : allTweaks()) {
-      if (tweak->form != name || tweak->shape == ControlShape::None) continue;
-      if (tweak->shape == ControlShape::TextBox) {
-        own<forms::TextBox>(std::string(tweak->control));
-      } else {
-        own<forms::CheckBox>(std::string(tweak->control), std::string(tweak->caption));
-      }
-    }
+  explicit RowForm(const std::string& name) : Form(name, name), controls(*this) {
     own<forms::CommandButton>("cmdApply", "&Apply").Enabled = false;
     own<forms::CheckBox>("chkSpare", "Spare");
     own<forms::OptionButton>("optSpare", "Spare", "group");
   }
+  TweakControls controls;
 };
 
 enum class State { Fresh, Started };
@@ -147,11 +141,19 @@ class EngineTest : public testing::Test {
   // What a routine would find in its control.
   void put(const Tweak& tweak, int value) {
     if (tweak.shape == ControlShape::None) return;
-    if (tweak.shape == ControlShape::TextBox) {
-      mainForm().find<forms::TextBox>(tweak.control)->Text = value == 1 ? "65" : "400";
+    const forms::Form& form = book.load(tweak.form);
+    if (auto* field = form.find<forms::TextBox>(tweak.control)) {
+      field->Text = textFor(tweak, value);
+    } else if (auto* list = form.find<forms::ComboBox>(tweak.control)) {
+      list->ListIndex = value;
     } else {
-      box(tweak.control, tweak.form).Value = value;
+      showState(form, tweak, value);
     }
+  }
+  // The text of a field, instead of the two states of a box.
+  static std::string textFor(const Tweak& tweak, int value) {
+    if (tweak.shape == ControlShape::ComboBox) return std::string(tweak.choices[value]);
+    return value == 1 ? "65" : "400";
   }
   bool waits(std::string_view bank, std::string_view property) {
     return keyExists(HKLM, fmt::format("{}\\{}", bank, property));

@@ -34,8 +34,8 @@ void expectInverse(EngineTest& test) {
       test.put(*tweak, value);
       if (tweak->ask != nullptr && value == 1) test.prompts.answers = {platform::Answer::Yes};
       EXPECT_TRUE(test.worker.call(tweak->property));
-      if (tweak->shape == ControlShape::TextBox) {
-        EXPECT_EQ(value == 1 ? "65" : "400", readText(*tweak, test.session));
+      if (isField(*tweak)) {
+        EXPECT_EQ(EngineTest::textFor(*tweak, value), readText(*tweak, test.session));
       } else {
         EXPECT_EQ(value == 1 ? Kind::On : Kind::Off, readState(*tweak, test.session).kind);
       }

@@ -17,6 +17,7 @@
 
 #include "engine/catalogue.h"
 #include "engine/readers.h"
+#include "engine/tweak_controls.h"
 #include "program/program.h"
 #include "support/expected_tweaks.h"
 #include "support/machines.h"
@@ -122,20 +123,28 @@ class EveryTweak : public testing::TestWithParam<Sample> {
     return fmt::format("HKLM\\SOFTWARE\\Korvex\\{}\\{}", kBanks.at(tweak.bank - 1), tweak.property);
   }
 
+  static bool type(const forms::Form& form, const Tweak& row, const std::string& text) {
+    if (auto* list = form.find<forms::ComboBox>(row.control)) {
+      const auto item = std::ranges::find(list->items(), text);
+      list->ListIndex = static_cast<int>(item - list->items().begin());
+      return item != list->items().end();
+    }
+    auto* field = form.find<forms::TextBox>(row.control);
+    if (field != nullptr) field->Text = text;
+    return field != nullptr;
+  }
+
   // As a person: the control of the row, then Apply.
   void operate(const ExpectedTweak& tweak, const Tweak& row, Step step) {
     forms::FormBook& book = program_->formBook();
     forms::Form& form = book.load(row.form);
     if (tweak.typed) {
-      auto* field = form.find<forms::TextBox>(row.control);
-      ASSERT_NE(nullptr, field) << row.control;
-      field->Text = tweak.typed->at(step);
+      ASSERT_TRUE(type(form, row, tweak.typed->at(step))) << row.control;
     } else {
-      auto* box = form.find<forms::CheckBox>(row.control);
-      ASSERT_NE(nullptr, box) << row.control;
       const int wanted = step == Checked ? 1 : 0;
-      if (box->Value == wanted) box->Value = 1 - wanted;
-      box->Value = wanted;
+      ASSERT_TRUE(engine::shownState(form, row)) << row.control;
+      if (engine::shownState(form, row) == wanted) engine::showState(form, row, 1 - wanted);
+      engine::showState(form, row, wanted);
       EXPECT_TRUE(view_.hasKey(marker(tweak))) << "no marker " << marker(tweak);
     }
     form.find<forms::CommandButton>("cmdApply")->press();

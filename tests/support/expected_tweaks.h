@@ -9,7 +9,7 @@
 //   given @where | value | data      stands on the machine before the program starts
 //   answer yes                       to the question that the checked box asks
 //   says ...                         beginning of the message that follows the checked box
-//   type "on" | "off"                what is typed, of a field
+//   type "on" | "off"                what is typed into a field, or chosen of a list
 //   @where | value | checked | unchecked | by default
 //   @where key | there | gone | gone        the key itself; its values are not looked at
 //   @where file path | "content" | folder | delete
@@ -126,7 +126,7 @@ class ExpectedTweaks {
       key_ = line.substr(1, line.rfind(']') - 1);
       return;
     }
-    if (line.starts_with("P_rw")) return readHead(line);
+    if (line.starts_with("P_")) return readHead(line);
     ExpectedTweak& tweak = tweaks.at(tweaks.size() - 1);
     if (take(line, "says ")) {
       tweak.says = line;
