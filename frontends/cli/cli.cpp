@@ -15,10 +15,10 @@
 namespace korvex::cli {
 namespace {
 
-constexpr std::array<AddCommands, 10> kGroups{
-    addMachineCommands, addListCommand,      addShowCommand,   addSetCommand,
-    addRegCommands,     addBackupCommands,   addSetOfCommands, addAssociationCommands,
-    addFormCommands,    addCompletionCommand};
+constexpr std::array<AddCommands, 11> kGroups{
+    addMachineCommands,  addListCommand,    addShowCommand,      addSetCommand,
+    addRegCommands,      addBackupCommands, addSetOfCommands,    addAssociationCommands,
+    addPasswordCommands, addFormCommands,   addCompletionCommand};
 
 constexpr const char* kFooter =
     "Examples:\n"
@@ -57,6 +57,10 @@ void addOptions(CLI::App& app, Context& context) {
       ->envname("KORVEX_MACHINE");
   app.add_option("--user", context.user, "Whose settings, where a machine has several users")
       ->type_name("NAME");
+  app.add_option("--password-fd", context.passwordDescriptor,
+                 "Take Korvex's own password from this file descriptor, where one is set")
+      ->check(CLI::NonNegativeNumber.description(""))
+      ->type_name("N");
   app.add_flag("--json", context.json, "Print one JSON object instead of text");
   app.add_flag("-v,--verbose", context.verbose, "Also print the writes in Korvex's own area");
 }

@@ -3,6 +3,7 @@
 
 #include <ostream>
 
+#include "cli/admission.h"
 #include "program/open_machine.h"
 #include "program/recent_machines.h"
 
@@ -23,6 +24,12 @@ Failure machineFailure(Status status, const std::string& message) {
 }
 
 std::unique_ptr<platform::Machine> Context::openMachine(platform::OpenMode mode) const {
+  auto machine = openUnasked(mode);
+  admit(*this, *machine);
+  return machine;
+}
+
+std::unique_ptr<platform::Machine> Context::openUnasked(platform::OpenMode mode) const {
   platform::OpenedMachine opened = program::openMachine(machineFolder, mode, user);
   if (opened.machine) {
     if (!opened.message.empty()) note("Warning: " + opened.message);

@@ -31,8 +31,13 @@ class Context {
   std::string machineFolder;  // --machine or KORVEX_MACHINE; "" is the default machine
   std::string user;           // --user: whose settings; "" is the only user or the last one
 
-  // Throws Failure (NoMachine, Busy) with what to do.
+  int passwordDescriptor = -1;  // --password-fd; -1: asked on the terminal
+
+  // Throws Failure (NoMachine, Busy) with what to do, and Failed where Korvex asks for a password
+  // on that machine and does not get it.
   std::unique_ptr<platform::Machine> openMachine(platform::OpenMode mode) const;
+  // The same without being asked: for what tells nothing of the machine's settings.
+  std::unique_ptr<platform::Machine> openUnasked(platform::OpenMode mode) const;
   // One line for people on the error stream.
   void note(std::string_view text) const;
 };

@@ -117,6 +117,7 @@ void addRun(CLI::App& group, Run& run) {
       "  check=C:ITEM  uncheck=C:ITEM   tick or clear an item of a list, named by its text or by\n"
       "                                 the beginning of it, up to a blank\n"
       "  type=C:TEXT                    type into a field\n"
+      "  secret=C:FD                    type a password, read from that file descriptor\n"
       "  select=C:ITEM                  select an item of a list or a tab\n"
       "  press=C                        press a button\n"
       "  answer=yes|no|ok|cancel        answer a question\n"

@@ -4,9 +4,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <vector>
 
 #include "cli/failure.h"
+#include "cli/secrets.h"
 #include "cli/tweak_names.h"
 #include "cli/value_text.h"
 #include "platform/text/text.h"
@@ -146,6 +148,26 @@ void check(Form& form, const Step& step) {
               step.kind == Step::Kind::Check ? forms::vbChecked : forms::vbUnchecked);
 }
 
+// Arguments can be read by every user of the system.
+void refusePassword(const Form& form, std::string_view name) {
+  const auto* box = form.find<forms::TextBox>(name);
+  if (box == nullptr || !box->options().password) return;
+  throw Failure(ExitCode::Usage, "password-in-argument",
+                fmt::format("{} takes a password, which must not stand on the command line: write "
+                            "secret={}:FD and give it on that file descriptor.",
+                            box->name(), box->name()));
+}
+
+int descriptorIn(const Step& step) {
+  int descriptor = -1;
+  const char* const end = step.text.data() + step.text.size();
+  const auto parsed = std::from_chars(step.text.data(), end, descriptor);
+  if (parsed.ec == std::errc{} && parsed.ptr == end && descriptor >= 0) return descriptor;
+  throw Failure(ExitCode::Usage, "bad-step",
+                fmt::format("'{}': write secret=CONTROL:FD with the number of a file descriptor.",
+                            printable(step.typed)));
+}
+
 }  // namespace
 
 void setCheckBox(Form& form, std::string_view control, int value) {
@@ -189,7 +211,10 @@ void perform(Form& form, const Step& step) {
     case Step::Kind::Uncheck:
       return check(form, step);
     case Step::Kind::Type:
+      refusePassword(form, step.control);
       return typeText(form, step.control, step.text);
+    case Step::Kind::Secret:
+      return typeText(form, step.control, readSecret(descriptorIn(step)));
     case Step::Kind::Select:
       return select(form, step);
     case Step::Kind::Press:

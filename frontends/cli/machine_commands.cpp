@@ -46,7 +46,7 @@ ExitCode create(Context& context, const CreateOptions& options) {
   if (status != platform::ERROR_SUCCESS) throw machineFailure(status, message);
   context.machineFolder = options.folder;
   context.note(fmt::format("Made a machine in {}.", options.folder));
-  printDescription(context, context.openMachine(platform::OpenMode::Read)->describe());
+  printDescription(context, context.openUnasked(platform::OpenMode::Read)->describe());
   return ExitCode::Done;
 }
 
@@ -86,7 +86,7 @@ void addMachineCommands(CLI::App& app, Run& run) {
                               "  korvex --json machine info");
   info->callback([&run] {
     run = [](Context& context) {
-      printDescription(context, context.openMachine(platform::OpenMode::Read)->describe());
+      printDescription(context, context.openUnasked(platform::OpenMode::Read)->describe());
       return ExitCode::Done;
     };
   });

@@ -23,6 +23,7 @@ constexpr std::array kSteps{
     StepRow{"check", Step::Kind::Check, Text::MayBe},
     StepRow{"uncheck", Step::Kind::Uncheck, Text::MayBe},
     StepRow{"type", Step::Kind::Type, Text::Due},
+    StepRow{"secret", Step::Kind::Secret, Text::Due},
     StepRow{"select", Step::Kind::Select, Text::Due},
     StepRow{"press", Step::Kind::Press, Text::None},
 };
@@ -88,10 +89,11 @@ Script parseSteps(const std::vector<std::string>& words) {
     const auto answer = std::find_if(kAnswers.begin(), kAnswers.end(),
                                      [&word](const AnswerRow& row) { return row.word == word; });
     if (equals == std::string::npos || (step == kSteps.end() && answer == kAnswers.end())) {
-      throw badStep(typed,
-                    "use check=C, uncheck=C, check=C:ITEM, uncheck=C:ITEM, type=C:TEXT, "
-                    "select=C:ITEM, press=C, answer=yes|no|ok|cancel, input=TEXT, file=PATH or "
-                    "folder=PATH.");
+      throw badStep(
+          typed,
+          "use check=C, uncheck=C, check=C:ITEM, uncheck=C:ITEM, type=C:TEXT, secret=C:FD, "
+          "select=C:ITEM, press=C, answer=yes|no|ok|cancel, input=TEXT, file=PATH or "
+          "folder=PATH.");
     }
     if (step != kSteps.end()) {
       script.steps.push_back(parseStep(*step, typed, rest));

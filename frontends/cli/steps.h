@@ -10,10 +10,11 @@
 namespace korvex::cli {
 
 struct Step {
-  enum class Kind { Check, Uncheck, Type, Select, Press };
+  enum class Kind { Check, Uncheck, Type, Secret, Select, Press };
   Kind kind = Kind::Press;
   std::string control;
-  std::string text;   // Type, Select; of Check and Uncheck the item, "" for a box of its own
+  std::string text;   // Type, Select; of Secret the file descriptor; of Check and Uncheck the item,
+                      // "" for a box of its own
   std::string typed;  // the whole step, for messages
 };
 

@@ -46,20 +46,7 @@ std::string nameOf(const std::string& path) { return path.substr(path.rfind('\\'
 
 MachinePicker::MachinePicker(platform::Files& files, const platform::FileRequest& request,
                              QWidget* parent)
-    : MachinePicker(files, request.save ? Kind::Save : Kind::Open, request, parent) {}
-
-MachinePicker::MachinePicker(platform::Files& files, std::string_view title, QWidget* parent)
-    : MachinePicker(files, Kind::Folder, {std::string(title), "", "", ""}, parent) {}
-
-MachinePicker::MachinePicker(platform::Files& files, Kind kind,
-                             const platform::FileRequest& request, QWidget* parent)
-    : QDialog(parent),
-      files_(files),
-      kind_(kind),
-      model_(new MachineTree(files,
-                             kind == Kind::Folder ? MachineTree::Show::FoldersOnly
-                                                  : MachineTree::Show::FoldersAndFiles,
-                             this)) {
+    : QDialog(parent), files_(files), saves_(request.save), model_(new MachineTree(files, this)) {
   setWindowTitle(toQt(request.title));
   makeWidgets(toQt(request.filter));
   model_->onFailure = [this](const std::string& path, platform::Status status) {
@@ -84,9 +71,9 @@ void MachinePicker::makeWidgets(const QString& filter) {
   treeLabel->setBuddy(tree_);
 
   field_ = new QLineEdit(this);
-  auto* fieldLabel = new QLabel(kind_ == Kind::Folder ? "&Folder:" : "File &name:", this);
+  auto* fieldLabel = new QLabel("File &name:", this);
   fieldLabel->setBuddy(field_);
-  field_->setAccessibleName(kind_ == Kind::Folder ? "Folder" : "File name");
+  field_->setAccessibleName("File name");
 
   filter_ = new QComboBox(this);
   auto* filterLabel = new QLabel("Files of &type:", this);
@@ -105,7 +92,7 @@ void MachinePicker::makeWidgets(const QString& filter) {
 
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   QPushButton* ok = buttons->button(QDialogButtonBox::Ok);
-  if (kind_ != Kind::Folder) ok->setText(kind_ == Kind::Save ? "&Save" : "&Open");
+  ok->setText(saves_ ? "&Save" : "&Open");
   connect(buttons, &QDialogButtonBox::accepted, this, &MachinePicker::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &MachinePicker::reject);
   connect(tree_, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
@@ -150,11 +137,11 @@ void MachinePicker::showCurrent() {
   const QModelIndex index = tree_->currentIndex();
   if (!index.isValid()) return;
   message_->hide();
-  // A folder is where a typed name goes, and the answer itself only where one is asked for.
-  if (kind_ == Kind::Folder || !model_->isFolder(index)) {
+  // A folder is where a typed name goes.
+  if (!model_->isFolder(index)) {
     field_->setText(toQt(model_->pathOf(index)));
   } else if (const std::string typed = fromQt(field_->text()); isFull(typed)) {
-    field_->setText(kind_ == Kind::Save ? toQt(nameOf(typed)) : QString());
+    field_->setText(saves_ ? toQt(nameOf(typed)) : QString());
   }
 }
 
@@ -165,7 +152,7 @@ void MachinePicker::tell(const QString& message) {
 
 std::string MachinePicker::typedPath() const {
   std::string typed = fromQt(field_->text().trimmed().replace('/', '\\'));
-  if (typed.empty()) return kind_ == Kind::Save ? "" : currentFolder();
+  if (typed.empty()) return saves_ ? "" : currentFolder();
   if (typed.front() == '\\') {
     typed = currentFolder().substr(0, 2) + typed;
   } else if (!isFull(typed)) {
@@ -177,7 +164,7 @@ std::string MachinePicker::typedPath() const {
 
 void MachinePicker::accept() {
   std::string path = typedPath();
-  if (kind_ == Kind::Save && !path.empty() && nameOf(path).find('.') == std::string::npos &&
+  if (saves_ && !path.empty() && nameOf(path).find('.') == std::string::npos &&
       !files_.exists(path)) {
     const std::string pattern = fromQt(filter_->currentData().toString().split(';').first());
     const bool plain =
@@ -198,18 +185,14 @@ bool MachinePicker::acceptable(const std::string& path) {
   const platform::Status status = files_.attributes(path, attributes);
   const bool folder =
       status == platform::ERROR_SUCCESS && (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
-  if (folder && kind_ != Kind::Folder) {
+  if (folder) {
     reveal(path);
     field_->clear();
     return false;
   }
-  if (kind_ == Kind::Save) return acceptableToSave(path);
+  if (saves_) return acceptableToSave(path);
   if (status != platform::ERROR_SUCCESS) {
     tell(QString("%1: %2").arg(toQt(path), toQt(platform::describeStatus(status))));
-    return false;
-  }
-  if (kind_ == Kind::Folder && !folder) {
-    tell(QString("%1 is a file, not a folder.").arg(toQt(path)));
     return false;
   }
   return true;

@@ -1,4 +1,4 @@
-// MachinePicker: the dialog that picks a file or folder on the machine's own drives.
+// MachinePicker: the dialog that picks a file on the machine's own drives.
 #pragma once
 
 #include <QDialog>
@@ -20,19 +20,14 @@ namespace korvex::qt {
 class MachinePicker : public QDialog {
  public:
   MachinePicker(platform::Files& files, const platform::FileRequest& request, QWidget* parent);
-  // For a folder.
-  MachinePicker(platform::Files& files, std::string_view title, QWidget* parent);
 
-  // A Windows path, once the dialog was accepted: of an existing file, of an existing folder, or of
-  // a file to be saved in an existing folder.
+  // A Windows path, once the dialog was accepted: of an existing file, or of a file to be saved in
+  // an existing folder.
   const std::string& picked() const { return picked_; }
 
   void accept() override;
 
  private:
-  enum class Kind { Open, Save, Folder };
-  MachinePicker(platform::Files& files, Kind kind, const platform::FileRequest& request,
-                QWidget* parent);
   void makeWidgets(const QString& filter);
   void reveal(std::string_view path);
   void showCurrent();
@@ -45,7 +40,7 @@ class MachinePicker : public QDialog {
   bool acceptableToSave(const std::string& path);
 
   platform::Files& files_;
-  Kind kind_;
+  bool saves_;
   MachineTree* model_;
   QTreeView* tree_ = nullptr;
   QLineEdit* field_ = nullptr;

@@ -31,8 +31,8 @@ bool sameText(const std::string& left, const QString& right) {
 
 }  // namespace
 
-MachineTree::MachineTree(platform::Files& files, Show show, QObject* parent)
-    : QAbstractItemModel(parent), files_(files), show_(show) {
+MachineTree::MachineTree(platform::Files& files, QObject* parent)
+    : QAbstractItemModel(parent), files_(files) {
   readDrives();
 }
 
@@ -80,7 +80,7 @@ std::vector<std::unique_ptr<MachineTree::Node>> MachineTree::readFolder(Node& fo
 
   std::vector<std::unique_ptr<Node>> nodes;
   for (FileEntry& entry : entries) {
-    if (!isFolder(entry) && (show_ == Show::FoldersOnly || !matches(entry.name))) continue;
+    if (!isFolder(entry) && !matches(entry.name)) continue;
     auto node = std::make_unique<Node>();
     node->parent = &folder;
     node->row = static_cast<int>(nodes.size());

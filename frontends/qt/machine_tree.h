@@ -13,9 +13,7 @@ namespace korvex::qt {
 
 class MachineTree : public QAbstractItemModel {
  public:
-  enum class Show { FoldersOnly, FoldersAndFiles };
-
-  MachineTree(platform::Files& files, Show show, QObject* parent);
+  MachineTree(platform::Files& files, QObject* parent);
   ~MachineTree() override;
 
   // Which files are shown: "*.bmp"; folders always are. Reads everything anew.
@@ -48,7 +46,6 @@ class MachineTree : public QAbstractItemModel {
   bool matches(const std::string& fileName) const;
 
   platform::Files& files_;
-  Show show_;
   QStringList patterns_;
   std::unique_ptr<Node> root_;
 };

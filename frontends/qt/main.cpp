@@ -94,6 +94,10 @@ std::string openSet(program::Program& program, const std::string& file) {
   return set.message.empty() ? file + ": " + platform::describeStatus(set.status) : set.message;
 }
 
+bool isMainWindow(const FormView& view) {
+  return view.form().name() == program::Program::forms().front().name;
+}
+
 // next: the folder of the machine to go on with, where the user has chosen one.
 void equipMainWindow(FormView& view, program::Program& program, const Options& options,
                      std::string& next) {
@@ -115,7 +119,7 @@ void equipMainWindow(FormView& view, program::Program& program, const Options& o
 bool takePicture(FormView& view, program::Program& program, const Options& options) {
   QApplication::processEvents();
   bool saved = true;
-  const bool isMain = view.parentWidget() == nullptr;
+  const bool isMain = isMainWindow(view);
   if (isMain) makeMachineMenu(view, [](const std::string&) {});
   if (isMain && !options.set.empty()) {
     // Nobody could close a message box.
@@ -138,10 +142,11 @@ int runOn(platform::Machine& machine, const Options& options, std::string& next)
   prompts.setFiles(machine.files());
   QtHost host;
   program::Program program(machine, prompts);
+  prompts.folderPicker = [&program](std::string_view title) { return program.pickFolder(title); };
   bool saved = true;
   if (options.screenshot.empty()) {
     host.onShown = [&](FormView& view) {
-      if (view.parentWidget() == nullptr) equipMainWindow(view, program, options, next);
+      if (isMainWindow(view)) equipMainWindow(view, program, options, next);
     };
   } else {
     host.onShown = [&](FormView& view) { saved = takePicture(view, program, options) && saved; };

@@ -148,10 +148,9 @@ std::optional<std::string> QtPrompts::pickFile(const FileRequest& request) {
 }
 
 std::optional<std::string> QtPrompts::pickFolder(std::string_view title) {
-  if (files_ == nullptr) return std::nullopt;
+  if (!folderPicker) return std::nullopt;
   const ArrowCursor cursor;
-  MachinePicker picker(*files_, title, windowInFront());
-  return pick(picker);
+  return folderPicker(title);
 }
 
 std::optional<FontChoice> QtPrompts::pickFont(const FontChoice& current) {

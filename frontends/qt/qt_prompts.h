@@ -1,6 +1,11 @@
 // QtPrompts: modal questions as Qt dialogs over the active window.
 #pragma once
 
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
 #include "platform/files.h"
 #include "platform/prompts.h"
 
@@ -10,6 +15,8 @@ class QtPrompts : public platform::Prompts {
  public:
   // Message boxes and inputs need no machine; the pickers find nothing before there is one.
   void setFiles(platform::Files& files) { files_ = &files; }
+  // The window that picks folders is one of the program's own.
+  std::function<std::optional<std::string>(std::string_view)> folderPicker;
 
   platform::Answer messageBox(std::string_view text, int style, std::string_view title) override;
   std::optional<std::string> inputBox(std::string_view text, std::string_view title,

@@ -3,6 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "engine/at_once.h"
 
 namespace korvex::engine {
@@ -12,7 +15,20 @@ using platform::Status;
 
 namespace {
 
-constexpr std::size_t kLengthOfRoot = 3;  // "C:\"
+std::string trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(' ') + 1 - first));
+}
+
+// What begins a path on another computer, or one on the present drive: its slashes.
+std::string slashesOf(const std::string& start) {
+  const auto isSlash = [](char c) { return c == '\\' || c == '/'; };
+  const auto count = static_cast<std::size_t>(std::ranges::count_if(start, isSlash));
+  return std::string(std::min<std::size_t>(count, 2), '\\');
+}
+
+bool isDrive(std::string_view path) { return path.size() == 2 && path[1] == ':'; }
 
 bool cannotBeUsed(Session& session, const std::string& path, std::string_view why) {
   tell(session, fmt::format("{} cannot be used: {}.\r\nChoose another folder.", path, why),
@@ -23,14 +39,21 @@ bool cannotBeUsed(Session& session, const std::string& path, std::string_view wh
 }  // namespace
 
 std::string tidyFolder(std::string_view path) {
-  const std::size_t first = path.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  std::string folder(path.substr(first, path.find_last_not_of(' ') + 1 - first));
-  if (folder.size() == 2 && folder[1] == ':') folder += '\\';
-  while (folder.size() > kLengthOfRoot && (folder.back() == '\\' || folder.back() == '/')) {
-    folder.pop_back();
+  std::vector<std::string> parts;
+  for (std::size_t begin = 0; begin <= path.size();) {
+    const std::size_t end = std::min(path.find_first_of("\\/", begin), path.size());
+    const std::string part = trimmed(path.substr(begin, end - begin));
+    // Nothing lies above a drive.
+    if (part == ".." && parts.size() > 1) parts.pop_back();
+    if (!part.empty() && part != "." && part != "..") parts.push_back(part);
+    begin = end + 1;
   }
-  return folder;
+  const std::string start(path.substr(0, path.find_first_not_of("\\/ ")));
+  std::string folder = start.find_first_of("\\/") == std::string::npos ? "" : slashesOf(start);
+  for (const std::string& part : parts) {
+    folder += (folder.empty() || folder.back() == '\\' ? "" : "\\") + part;
+  }
+  return isDrive(folder) ? folder + '\\' : folder;
 }
 
 bool agreeOnFolder(Session& session, const std::string& path) {

@@ -17,7 +17,8 @@ std::optional<std::string> chooseFolder(foundation::Session& session, std::strin
 // path is told.
 bool agreeOnFolder(foundation::Session& session, const std::string& path);
 
-// The path without blanks around it and without a backslash at its end (but "C:\").
+// The path with backslashes only, without blanks around it, without "." and ".." in it and without
+// a backslash at its end (but "C:\"); "C:" is "C:\".
 std::string tidyFolder(std::string_view path);
 
 }  // namespace korvex::engine

@@ -71,6 +71,7 @@ class Session {
   bool g_bDefaulting = false;
   bool g_bRebootNeeded = false;
   std::int32_t g_lNewKey = 0;
+  std::string g_sLogin;  // what came of asking for the program's password: "TRUE", "CANCEL", "OFF"
 
   // The program's own options.
   bool g_bNoShowReboot = false;

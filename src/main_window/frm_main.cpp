@@ -17,6 +17,7 @@
 #include "main_window/defaults.h"
 #include "main_window/office_page.h"
 #include "main_window/options.h"
+#include "main_window/password_section.h"
 #include "main_window/restart_prompt.h"
 
 namespace korvex::main_window {
@@ -61,7 +62,8 @@ std::string machineText(platform::Machine& machine) {
 
 frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
                  engine::PendingChanges& pending, forms::FormBook& formBook,
-                 const BackupParts& backup, StartOptions options)
+                 const BackupParts& backup, protection::ProgramPassword& password,
+                 StartOptions options)
     : Form(kName, kCaption),
       session_(session),
       regWorker_(regWorker),
@@ -75,7 +77,7 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
   cmdAbout.ToolTipText = "Version, and the machine that is tuned";
   cmdDefaults.ToolTipText = "Reset every setting to what Windows had";
   cmdDone.ToolTipText = "Leave Korvex; changes that were not applied are discarded";
-  makeSections(formBook, backup);
+  makeSections(formBook, backup, password);
   layout =
       Layout::column({pages_.layout(tabMain, sections_),
                       Layout::row({Layout::of(cmdAbout), Layout::of(cmdDefaults), Layout::space(),
@@ -84,7 +86,8 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
   connect();
 }
 
-void frmMain::makeSections(forms::FormBook& formBook, const BackupParts& backup) {
+void frmMain::makeSections(forms::FormBook& formBook, const BackupParts& backup,
+                           protection::ProgramPassword& password) {
   sections_.push_back(std::make_unique<CommandButtons>(*this, session_, formBook));
   sections_.push_back(std::make_unique<BootOptions>(*this, session_, [this] { edited(); }));
   sections_.push_back(std::make_unique<OfficePage>(*this, session_));
@@ -93,6 +96,7 @@ void frmMain::makeSections(forms::FormBook& formBook, const BackupParts& backup)
       RegistryPage::Hooks{[this] { return changesWaiting(); }, [this] { readAgain(); }});
   registryPage_ = registryPage.get();
   sections_.push_back(std::move(registryPage));
+  sections_.push_back(std::make_unique<PasswordSection>(*this, session_, formBook, password));
 }
 
 void frmMain::connect() {

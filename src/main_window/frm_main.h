@@ -20,6 +20,7 @@
 #include "main_window/page_section.h"
 #include "main_window/registry_page.h"
 #include "main_window/start_up.h"
+#include "protection/program_password.h"
 
 namespace korvex::main_window {
 
@@ -30,7 +31,7 @@ class frmMain : public forms::Form {
 
   frmMain(foundation::Session& session, engine::RegWorker& regWorker,
           engine::PendingChanges& pending, forms::FormBook& formBook, const BackupParts& backup,
-          StartOptions options);
+          protection::ProgramPassword& password, StartOptions options);
 
   void Load() override;
   bool QueryUnload() override;
@@ -48,7 +49,8 @@ class frmMain : public forms::Form {
   forms::CommandButton cmdDone{*this, "cmdDone", "&Done"};
 
  private:
-  void makeSections(forms::FormBook& formBook, const BackupParts& backup);
+  void makeSections(forms::FormBook& formBook, const BackupParts& backup,
+                    protection::ProgramPassword& password);
   // The same after something else has changed the machine.
   void readAgain();
   void connect();

@@ -3,9 +3,12 @@
 
 #include <array>
 #include <memory>
+#include <utility>
 
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_restore.h"
+#include "dialogs/logon/frm_login.h"
+#include "dialogs/logon/frm_password.h"
 #include "dialogs/shell/frm_fa.h"
 #include "dialogs/system/frm_more_security.h"
 #include "main_window/frm_main.h"
@@ -54,6 +57,9 @@ constexpr std::array kDialogs{
     DialogRow{{kNtServer, "Server settings of NT"},
               makeOfRows<kNtServer, kNtServerCaption, engine::Bank::NTServer>},
     DialogRow{{kDrWat, "Dr. Watson of NT"}, makeOfRows<kDrWat, kDrWatCaption, engine::Bank::DrWat>},
+    DialogRow{{dialogs::frmPathSelecter::kName, "The folder picker"}},
+    DialogRow{{dialogs::frmLogin::kName, "Asks for the password of Korvex"}},
+    DialogRow{{dialogs::frmPassword::kName, "Sets the password of Korvex"}},
     DialogRow{{dialogs::frmFA::kName, "File associations"}},
     DialogRow{{dialogs::frmRestore::kName, "What a restore would change"}},
     DialogRow{{dialogs::frmAbout::kName, "Version and machine"}},
@@ -79,12 +85,13 @@ std::span<const FormRow> Program::forms() { return kForms; }
 Program::Program(platform::Machine& machine, platform::Prompts& prompts, StartOptions options)
     : session_(machine, prompts),
       registryBacker_(session_),
+      password_(session_.regTool, passwordHash_),
       regWorker_(session_, formBook_),
       pendingChanges_(session_, formBook_) {
   formBook_.add(std::string(kMainWindow), [this, options] {
     return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, formBook_,
                                      main_window::BackupParts{registryBacker_, restoreDesk_},
-                                     options);
+                                     password_, options);
   });
   addDialogs({session_, regWorker_, pendingChanges_, formBook_, options.askBeforeDiscarding});
 }
@@ -99,6 +106,13 @@ void Program::addDialogs(const dialogs::DialogParts& parts) {
   });
   formBook_.add(dialogs::frmRestore::kName,
                 [this] { return std::make_unique<dialogs::frmRestore>(session_, restoreDesk_); });
+  formBook_.add(dialogs::frmPathSelecter::kName, [this] {
+    return std::make_unique<dialogs::frmPathSelecter>(session_, folderDesk_);
+  });
+  formBook_.add(dialogs::frmLogin::kName,
+                [this] { return std::make_unique<dialogs::frmLogin>(session_, password_); });
+  formBook_.add(dialogs::frmPassword::kName,
+                [this] { return std::make_unique<dialogs::frmPassword>(session_, password_); });
   formBook_.add(dialogs::frmAbout::kName,
                 [this] { return std::make_unique<dialogs::frmAbout>(session_); });
 }
@@ -132,8 +146,16 @@ void Program::openSet(const std::string& profile) {
   dynamic_cast<frmMain&>(formBook_.load(kMainWindow)).openSet(profile);
 }
 
+std::optional<std::string> Program::pickFolder(std::string_view prompt) {
+  folderDesk_.prompt = prompt;
+  formBook_.showModal(dialogs::frmPathSelecter::kName);
+  folderDesk_.prompt.clear();
+  return std::exchange(folderDesk_.folder, std::nullopt);
+}
+
 int Program::run(forms::FormHost& host) {
   formBook_.setHost(&host);
+  if (!dialogs::ValidateKorvexSecurity(session_, formBook_, password_)) return kExitFailed;
   switch (start()) {
     case StartResult::Started:
       break;

@@ -4,13 +4,15 @@
 // The machine and the prompts must outlive it.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "backup/registry_backer.h"
 #include "backup/restore_offer.h"
-#include "dialogs/tweak_dialog.h"
+#include "dialogs/dialog_parts.h"
+#include "dialogs/system/frm_path_selecter.h"
 #include "engine/pending_changes.h"
 #include "engine/reg_worker.h"
 #include "forms/form_book.h"
@@ -18,6 +20,8 @@
 #include "main_window/start_up.h"
 #include "platform/machine.h"
 #include "platform/prompts.h"
+#include "platform/secrets/sodium_password_hash.h"
+#include "protection/program_password.h"
 
 namespace korvex::program {
 
@@ -51,6 +55,9 @@ class Program {
   // exit code: 0, or 4 for a second instance, 5 where start-up refused.
   int run(forms::FormHost& host);
 
+  // Shows the folder picker; for prompts of a front end with a screen. Nothing for a cancel.
+  std::optional<std::string> pickFolder(std::string_view prompt);
+
   foundation::Session& session() { return session_; }
   forms::FormBook& formBook() { return formBook_; }
   engine::RegWorker& regWorker() { return regWorker_; }
@@ -63,7 +70,11 @@ class Program {
 
   foundation::Session session_;
   backup::RegistryBacker registryBacker_;
-  backup::RestoreDesk restoreDesk_;  // outlives the forms
+  platform::SodiumPasswordHash passwordHash_;
+  protection::ProgramPassword password_;
+  // The desks outlive the forms.
+  backup::RestoreDesk restoreDesk_;
+  dialogs::FolderDesk folderDesk_;
   forms::FormBook formBook_;
   engine::RegWorker regWorker_;
   engine::PendingChanges pendingChanges_;

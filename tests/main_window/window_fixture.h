@@ -17,6 +17,7 @@
 #include "platform/common/composed_machine.h"
 #include "platform/common/registry_decorators.h"
 #include "support/machines.h"
+#include "support/plain_hash.h"
 #include "support/scripted_prompts.h"
 
 namespace korvex::main_window {
@@ -78,7 +79,7 @@ class KorvexRun {
       : session(machine, prompts), worker(session, book), pending(session, book) {
     book.add(frmMain::kName, [this, options] {
       return std::make_unique<frmMain>(session, worker, pending, book, BackupParts{backer, desk},
-                                       options);
+                                       password, options);
     });
   }
 
@@ -96,6 +97,8 @@ class KorvexRun {
   backup::RestoreDesk desk;
   engine::RegWorker worker;
   engine::PendingChanges pending;
+  test::PlainHash hash;
+  protection::ProgramPassword password{session.regTool, hash};
 };
 
 class WindowTest : public testing::Test {
