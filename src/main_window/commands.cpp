@@ -34,6 +34,14 @@ constexpr std::string_view kSetup = "Software\\Microsoft\\Windows\\CurrentVersio
 constexpr std::string_view kSourcePath = "SourcePath";
 constexpr std::string_view kRegPath = "RegPath";
 
+// Two beside each other: a page has to fit on a small screen.
+void addButton(std::vector<Layout>& parts, CommandButton& button) {
+  const bool goesOn = !parts.empty() && parts.back().kind == Layout::Kind::Row &&
+                      parts.back().parts.front().kind == Layout::Kind::Grid;
+  if (!goesOn) parts.push_back(Layout::row({Layout::grid(2, {}), Layout::space()}));
+  parts.back().parts.front().parts.push_back(Layout::of(button));
+}
+
 // What is cleared cannot come back: the person may want to know how much it is.
 std::string withCount(std::string_view question, int count, const CommandButtons::Noun& noun) {
   if (count == 0) return std::string(question);
@@ -135,22 +143,20 @@ std::vector<Layout> CommandButtons::groups(Page page) {
   }
   for (const Row& row : rows()) {
     if (row.page != page || !exists(row)) continue;
+    if (groups.empty() || groups.back().title != row.group) {
+      groups.push_back(Layout::group(row.group, {}));
+    }
+    std::vector<Layout>& parts = groups.back().parts;
     auto& button = *form_.find<CommandButton>(row.name);
-    std::vector<Layout> parts;
     if (row.handler == &CommandButtons::cmdBrowse_Click) {
       parts.push_back(Layout::of(lblRegPath_));
       parts.push_back(Layout::row({Layout::of(txtRegPath_), Layout::of(button)}));
-    } else {
-      if (row.handler == &CommandButtons::cmdChangePrintSpool_Click) {
-        parts.push_back(Layout::of(lblPrintSpool_));
-      }
-      parts.push_back(Layout::row({Layout::of(button), Layout::space()}));
+      continue;
     }
-    if (!groups.empty() && groups.back().title == row.group) {
-      for (Layout& part : parts) groups.back().parts.push_back(std::move(part));
-    } else {
-      groups.push_back(Layout::group(row.group, std::move(parts)));
+    if (row.handler == &CommandButtons::cmdChangePrintSpool_Click) {
+      parts.push_back(Layout::of(lblPrintSpool_));
     }
+    addButton(parts, button);
   }
   return groups;
 }

@@ -18,7 +18,7 @@ PasswordSection::PasswordSection(forms::Form& form, foundation::Session& session
     : session_(session),
       password_(password),
       lblPassword_(form.own<forms::Label>("lblPassword", "")),
-      cmdPassword_(form.own<forms::CommandButton>("cmdPassword", "&Password...")) {
+      cmdPassword_(form.own<forms::CommandButton>("cmdPassword", "Pa&ssword...")) {
   cmdPassword_.ToolTipText = "Sets, changes or removes the password that Korvex asks for";
   cmdPassword_.Click += [this, &formBook] {
     foundation::guarded(session_, "cmdPassword_Click", [this, &formBook] {
