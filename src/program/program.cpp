@@ -9,6 +9,9 @@
 #include "dialogs/frm_restore.h"
 #include "dialogs/logon/frm_login.h"
 #include "dialogs/logon/frm_password.h"
+#include "dialogs/nt/frm_dr_wat.h"
+#include "dialogs/nt/frm_nt4_win2k_cont.h"
+#include "dialogs/nt/frm_nt_server.h"
 #include "dialogs/shell/frm_fa.h"
 #include "dialogs/system/frm_more_security.h"
 #include "main_window/frm_main.h"
@@ -40,23 +43,16 @@ std::unique_ptr<forms::Form> makeOfRows(const dialogs::DialogParts& parts) {
 
 constexpr char kWinTweaksII[] = "frmWinTweaksII";
 constexpr char kWinTweaksIICaption[] = "Korvex...for Power Users - Win Tweaks II";
-constexpr char kNt4[] = "frmNT4_Win2KCont";
-constexpr char kNt4Caption[] = "Korvex...for Power Users - NT4/Win2K continued";
-constexpr char kNtServer[] = "frmNTServer";
-constexpr char kNtServerCaption[] = "Korvex...for Power Users -  NT Server";
-constexpr char kDrWat[] = "frmDrWat";
-constexpr char kDrWatCaption[] = "Korvex...for Power Users - Dr. Watson";
 
 constexpr std::array kDialogs{
     DialogRow{{dialogs::frmMoreSecurity::kName, "Further restrictions"},
               make<dialogs::frmMoreSecurity>},
     DialogRow{{kWinTweaksII, "Win Tweaks, continued"},
               makeOfRows<kWinTweaksII, kWinTweaksIICaption, engine::Bank::WinTweaksII>},
-    DialogRow{{kNt4, "NT4/Win2K, continued"},
-              makeOfRows<kNt4, kNt4Caption, engine::Bank::NT4_Win2KCont>},
-    DialogRow{{kNtServer, "Server settings of NT"},
-              makeOfRows<kNtServer, kNtServerCaption, engine::Bank::NTServer>},
-    DialogRow{{kDrWat, "Dr. Watson of NT"}, makeOfRows<kDrWat, kDrWatCaption, engine::Bank::DrWat>},
+    DialogRow{{dialogs::frmNT4_Win2KCont::kName, "NT4/Win2K, continued"},
+              make<dialogs::frmNT4_Win2KCont>},
+    DialogRow{{dialogs::frmNTServer::kName, "Server settings of NT"}, make<dialogs::frmNTServer>},
+    DialogRow{{dialogs::frmDrWat::kName, "Dr. Watson of NT"}, make<dialogs::frmDrWat>},
     DialogRow{{dialogs::frmPathSelecter::kName, "The folder picker"}},
     DialogRow{{dialogs::frmLogin::kName, "Asks for the password of Korvex"}},
     DialogRow{{dialogs::frmPassword::kName, "Sets the password of Korvex"}},
