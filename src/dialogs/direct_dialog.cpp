@@ -1,6 +1,8 @@
 // Loading, closing and disabling.
 #include "dialogs/direct_dialog.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "engine/apply.h"
@@ -32,8 +34,17 @@ void DirectDialog::Load() {
 
 void DirectDialog::readAgain() {
   const bool noRecord = std::exchange(session().g_bNoRecord, true);
+  problem_.clear();
   trap("Form_Load", [this] { readMachine(); });
   session().g_bNoRecord = noRecord;
+  if (!problem_.empty()) disableAll(problem_);
+}
+
+void DirectDialog::noteRead(platform::Status status) {
+  session().trace.dump("lRetVal&", status);
+  if (status == platform::ERROR_SUCCESS) return;
+  noteProblem(fmt::format("This could not be read from the machine: {}.",
+                          platform::describeStatus(status)));
 }
 
 bool DirectDialog::QueryUnload() {

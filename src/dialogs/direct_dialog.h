@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "dialogs/dialog_parts.h"
 #include "engine/at_once.h"
@@ -33,6 +34,10 @@ class DirectDialog : public forms::Form {
 
   // readMachine in its trap, with recording suspended.
   void readAgain();
+  // For readMachine: a failure is shown and disables everything, so that what could not be read is
+  // not written over.
+  void noteRead(platform::Status status);
+  void noteProblem(std::string problem) { problem_ = std::move(problem); }
   // Disables everything a person could change, with the reason as tool tip.
   void disableAll(const std::string& reason);
   // Runs handler in an error trap under "frmX.routine".
@@ -53,6 +58,7 @@ class DirectDialog : public forms::Form {
  private:
   DialogParts parts_;
   engine::Families families_;
+  std::string problem_;  // of the last reading
 };
 
 }  // namespace korvex::dialogs

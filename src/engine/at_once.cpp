@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "engine/apply.h"
+#include "engine/raw_value.h"
 #include "foundation/reg_value.h"
 
 namespace korvex::engine {
@@ -42,10 +43,34 @@ Status putValue(Session& session, platform::HKEY root, std::string_view key, std
   return status;
 }
 
+Status putText(Session& session, platform::HKEY root, std::string_view key, std::string_view name,
+               const std::string& text) {
+  platform::Registry& registry = session.registry();
+  platform::HKEY opened = 0;
+  std::uint32_t disposition = 0;
+  Status status =
+      registry.RegCreateKeyExA(root, key, platform::KEY_ALL_ACCESS, opened, disposition);
+  if (status == platform::ERROR_SUCCESS) {
+    status = registry.RegSetValueExA(opened, name, platform::REG_SZ, text.c_str(),
+                                     static_cast<std::uint32_t>(text.size() + 1));
+    registry.RegCloseKey(opened);
+  }
+  session.trace.dump("[putText]: sValueName$", name);
+  return status;
+}
+
 Status dropValue(Session& session, platform::HKEY root, std::string_view key,
                  std::string_view name) {
   const Status status = session.regTool.DeleteRegValue(root, key, name);
   return status == platform::ERROR_FILE_NOT_FOUND ? platform::ERROR_SUCCESS : status;
+}
+
+Status storedText(Session& session, platform::HKEY root, std::string_view key,
+                  std::string_view name, std::string& text) {
+  RawValue value;
+  const Status status = readRawValue(session.registry(), root, key, name, value);
+  text = value.text();
+  return missingIsFine(status);
 }
 
 void tell(Session& session, std::string_view text, int icon) {

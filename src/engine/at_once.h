@@ -25,8 +25,17 @@ bool finishAtOnce(foundation::Session& session, std::string_view what, platform:
 // no error for one that is dropped.
 platform::Status putValue(foundation::Session& session, platform::HKEY root, std::string_view key,
                           std::string_view name, const foundation::Variant& value);
+// A REG_SZ whatever stands in it: putValue makes text with two "%" one that Windows expands, which
+// is wrong for what is no path.
+platform::Status putText(foundation::Session& session, platform::HKEY root, std::string_view key,
+                         std::string_view name, const std::string& text);
 platform::Status dropValue(foundation::Session& session, platform::HKEY root, std::string_view key,
                            std::string_view name);
+
+// The text of a value: "" where it is missing or no text. The status tells a value that could not
+// be read, so that nobody takes it for an empty one and writes over it.
+platform::Status storedText(foundation::Session& session, platform::HKEY root, std::string_view key,
+                            std::string_view name, std::string& text);
 
 // Message boxes under the program's title.
 void tell(foundation::Session& session, std::string_view text,
