@@ -7,13 +7,18 @@
 
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_restore.h"
+#include "dialogs/logon/frm_auto_logon.h"
+#include "dialogs/logon/frm_custom_logon.h"
 #include "dialogs/logon/frm_login.h"
+#include "dialogs/logon/frm_logon_bitmap.h"
 #include "dialogs/logon/frm_password.h"
+#include "dialogs/network/frm_ip_addresses.h"
 #include "dialogs/nt/frm_dr_wat.h"
 #include "dialogs/nt/frm_nt4_win2k_cont.h"
 #include "dialogs/nt/frm_nt_server.h"
 #include "dialogs/shell/frm_fa.h"
 #include "dialogs/system/frm_more_security.h"
+#include "dialogs/system/frm_system_information.h"
 #include "main_window/frm_main.h"
 
 namespace korvex::program {
@@ -56,6 +61,14 @@ constexpr std::array kDialogs{
     DialogRow{{dialogs::frmPathSelecter::kName, "The folder picker"}},
     DialogRow{{dialogs::frmLogin::kName, "Asks for the password of Korvex"}},
     DialogRow{{dialogs::frmPassword::kName, "Sets the password of Korvex"}},
+    DialogRow{{dialogs::frmSystemInformation::kName, "Owner and company of Windows"},
+              make<dialogs::frmSystemInformation>},
+    DialogRow{{dialogs::frmAutoLogon::kName, "Automatic logon"}, make<dialogs::frmAutoLogon>},
+    DialogRow{{dialogs::frmCustomLogon::kName, "The message before logon"},
+              make<dialogs::frmCustomLogon>},
+    DialogRow{{dialogs::frmLogon_Bitmap::kName, "The bitmap behind the logon prompt of NT"}},
+    DialogRow{{dialogs::frmIPAddresses::kName, "Further IP addresses of Windows 9x"},
+              make<dialogs::frmIPAddresses>},
     DialogRow{{dialogs::frmFA::kName, "File associations"}},
     DialogRow{{dialogs::frmRestore::kName, "What a restore would change"}},
     DialogRow{{dialogs::frmAbout::kName, "Version and machine"}},
@@ -109,6 +122,9 @@ void Program::addDialogs(const dialogs::DialogParts& parts) {
                 [this] { return std::make_unique<dialogs::frmLogin>(session_, password_); });
   formBook_.add(dialogs::frmPassword::kName,
                 [this] { return std::make_unique<dialogs::frmPassword>(session_, password_); });
+  formBook_.add(dialogs::frmLogon_Bitmap::kName, [this, parts] {
+    return std::make_unique<dialogs::frmLogon_Bitmap>(parts, logonBitmapDesk_);
+  });
   formBook_.add(dialogs::frmAbout::kName,
                 [this] { return std::make_unique<dialogs::frmAbout>(session_); });
 }

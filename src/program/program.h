@@ -12,6 +12,7 @@
 #include "backup/registry_backer.h"
 #include "backup/restore_offer.h"
 #include "dialogs/dialog_parts.h"
+#include "dialogs/logon/frm_logon_bitmap.h"
 #include "dialogs/system/frm_path_selecter.h"
 #include "engine/pending_changes.h"
 #include "engine/reg_worker.h"
@@ -74,6 +75,7 @@ class Program {
   protection::ProgramPassword password_;
   // The desks outlive the forms.
   backup::RestoreDesk restoreDesk_;
+  dialogs::LogonBitmapDesk logonBitmapDesk_;
   dialogs::FolderDesk folderDesk_;
   forms::FormBook formBook_;
   engine::RegWorker regWorker_;
