@@ -153,7 +153,7 @@ void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_v
       wish.applied = isWaiting(script, *wish.tweak);
     }
   }
-  auto* apply = form.find<forms::CommandButton>("cmdApply");
+  auto* apply = form.applyButton();
   if (apply != nullptr) apply->press();
   throwIfUnanswered(prompts);
   // A change that could not be made leaves the button enabled, and its reason in a message.

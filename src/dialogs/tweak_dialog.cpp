@@ -28,8 +28,9 @@ Layout* groupOf(Layout& layout, std::string_view title) {
 }  // namespace
 
 TweakDialog::TweakDialog(std::string name, std::string caption, engine::Bank bank,
-                         const DialogParts& parts)
+                         const DialogParts& parts, std::string applyName)
     : Form(std::move(name), std::move(caption)),
+      cmdApply(*this, std::move(applyName), "&Apply"),
       parts_(parts),
       bank_(bank),
       controls_(*this),
@@ -41,7 +42,7 @@ TweakDialog::TweakDialog(std::string name, std::string caption, engine::Bank ban
       Layout::column({Layout::flow(controls_.groups()), Layout::space(),
                       Layout::row({Layout::space(), Layout::of(cmdApply), Layout::of(cmdDone)})});
   for (const engine::TweakControl& entry : controls_.all()) connect(entry);
-  cmdApply.Click += [this] { trap("cmdApply_Click", [this] { cmdApply_Click(); }); };
+  cmdApply.Click += [this] { trap(cmdApply.name() + "_Click", [this] { cmdApply_Click(); }); };
   cmdDone.Click += [this] { close(); };
   changed_ = parts_.pending.changed.subscribe([this] { showStatus(); });
 }

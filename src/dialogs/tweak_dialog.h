@@ -18,7 +18,9 @@ namespace korvex::dialogs {
 
 class TweakDialog : public forms::Form {
  public:
-  TweakDialog(std::string name, std::string caption, engine::Bank bank, const DialogParts& parts);
+  // applyName is that of the Apply button, where the product calls it otherwise.
+  TweakDialog(std::string name, std::string caption, engine::Bank bank, const DialogParts& parts,
+              std::string applyName = "cmdApply");
 
   void Load() override;
   bool QueryUnload() override;
@@ -27,7 +29,9 @@ class TweakDialog : public forms::Form {
   // the machine may be another. A change that waits in it stays.
   bool reloadsToShow() const override { return changesWaiting() == 0; }
 
-  forms::CommandButton cmdApply{*this, "cmdApply", "&Apply"};
+  forms::CommandButton* applyButton() override { return &cmdApply; }
+
+  forms::CommandButton cmdApply;
   forms::CommandButton cmdDone{*this, "cmdDone", "&Done", forms::CommandButton::Role::Cancel};
 
  protected:
@@ -39,7 +43,7 @@ class TweakDialog : public forms::Form {
   void enclose(forms::Frame& frame);
 
   // Under which name Apply is traced: "[frmX.cmdApply]".
-  virtual std::string_view applyRoutine() const { return "cmdApply"; }
+  virtual std::string_view applyRoutine() const { return cmdApply.name(); }
 
   // What the dialog has beyond its rows. Reading happens after the rows, with g_bNoRecord set, and
   // writes nothing.

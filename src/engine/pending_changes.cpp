@@ -80,7 +80,7 @@ void PendingChanges::recordState(const forms::Control& c, std::int16_t state,
 bool PendingChanges::refusedByOffice(forms::Control& c) {
   const auto officeApply = [this]() -> forms::CommandButton* {
     forms::Form* office = formBook_.loaded(bankForm(Bank::Office));
-    return office == nullptr ? nullptr : office->find<forms::CommandButton>("cmdApply");
+    return office == nullptr ? nullptr : office->applyButton();
   };
   forms::CommandButton* apply = officeApply();
   const bool enabled = apply != nullptr && apply->Enabled;
@@ -121,9 +121,7 @@ void PendingChanges::record(const forms::Control& c, const Variant& value,
   const std::string_view owner =
       iBank < 3 ? bankForm(Bank::MainWindow) : bankForm(static_cast<Bank>(iBank));
   if (!owner.empty()) {
-    if (auto* apply = formBook_.load(owner).find<forms::CommandButton>("cmdApply")) {
-      apply->Enabled = true;
-    }
+    if (auto* apply = formBook_.load(owner).applyButton()) apply->Enabled = true;
   }
   session_.trace.enter("[p_SetForApply]");
   session_.trace.dump("lRetVal&", lRetVal);

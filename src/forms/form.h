@@ -40,6 +40,9 @@ class Form {
     return dynamic_cast<T*>(find(controlName));
   }
 
+  // The button that carries out what waits; null where the form has none.
+  virtual CommandButton* applyButton() { return find<CommandButton>("cmdApply"); }
+
   // Handlers of the form's life, overridden by the form.
   virtual void Load() {}
   virtual bool QueryUnload() { return true; }  // false keeps the form open

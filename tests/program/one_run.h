@@ -60,8 +60,8 @@ class OneRun {
   }
   void apply() {
     for (const FormRow& entry : Program::forms()) {
-      const auto* form = program_.formBook().loaded(entry.name);
-      auto* button = form == nullptr ? nullptr : form->find<forms::CommandButton>("cmdApply");
+      auto* form = program_.formBook().loaded(entry.name);
+      auto* button = form == nullptr ? nullptr : form->applyButton();
       if (button == nullptr) continue;
       button->press();
       EXPECT_FALSE(button->Enabled)
