@@ -27,6 +27,20 @@ Status FileChange::rollback() {
   return first;
 }
 
+bool FileChange::stands(std::string_view path, std::uint32_t attributes, std::string_view bytes) {
+  std::uint32_t attributesNow = 0;
+  std::string bytesNow;
+  return files_.attributes(path, attributesNow) == ERROR_SUCCESS && attributesNow == attributes &&
+         files_.read(path, bytesNow) == ERROR_SUCCESS && bytesNow == bytes;
+}
+
+Status FileChange::guard(std::string_view path) {
+  Undo undo;
+  const Status status = remember(path, undo);
+  if (status == ERROR_SUCCESS) undo_.push_back(std::move(undo));
+  return status;
+}
+
 Status FileChange::remember(std::string_view path, Undo& undo) {
   const std::string name(path);
   std::uint32_t attributes = 0;
@@ -38,6 +52,7 @@ Status FileChange::remember(std::string_view path, Undo& undo) {
   std::string bytes;
   if (status == ERROR_SUCCESS) status = files_.read(name, bytes);
   undo = [this, name, attributes, bytes = std::move(bytes)] {
+    if (stands(name, attributes, bytes)) return ERROR_SUCCESS;
     const Status written = files_.replace(name, bytes);
     return written == ERROR_SUCCESS ? files_.setAttributes(name, attributes) : written;
   };

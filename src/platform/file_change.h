@@ -21,6 +21,8 @@ class FileChange : public Files {
   FileChange(const FileChange&) = delete;
   FileChange& operator=(const FileChange&) = delete;
 
+  // Remembers the file as it is, for steps that are not done through this object.
+  Status guard(std::string_view path);
   // From now on the steps so far stay.
   void commit() { undo_.clear(); }
   // Takes back all steps since the last commit, the last one first. The first failure is returned;
@@ -47,6 +49,9 @@ class FileChange : public Files {
  private:
   using Undo = std::function<Status()>;
 
+  // Whether the file is what it was. One that was never touched needs no way back, and may have
+  // none: a READONLY one could not be written.
+  bool stands(std::string_view path, std::uint32_t attributes, std::string_view bytes);
   // How to bring the path back to what it is now: its content and attributes, or nothing there.
   Status remember(std::string_view path, Undo& undo);
   // Does the step; keeps the way back where it was done.
