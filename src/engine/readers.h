@@ -65,6 +65,7 @@ TweakState p_DetermineShellVerbs(const Tweak& tweak, foundation::Session& sessio
 TweakState p_DetermineInherentDLLs(const Tweak& tweak, foundation::Session& session);
 TweakState p_DetermineBMP(const Tweak& tweak, foundation::Session& session);
 TweakState p_DetermineIE5InterfaceProps(const Tweak& tweak, foundation::Session& session);
+TweakState p_Arrows(const Tweak& tweak, foundation::Session& session);
 TweakState p_DetermineUserPrefMask(const Tweak& tweak, foundation::Session& session);
 // Any name of My Computer that tells who is logged on counts.
 TweakState p_DetermineLogonCredentials(const Tweak& tweak, foundation::Session& session);

@@ -67,6 +67,7 @@ class RegWorker {
   bool P_rwBMP(const Tweak& tweak);
   bool p_rwToolbarBitmaps(const Tweak& tweak);
   bool P_rwScreenTips(const Tweak& tweak);
+  bool P_rwArrows(const Tweak& tweak);
 
   foundation::Variant vCurrentValue;  // what the last call computed
   bool bLastWriteFailed = false;      // the failure flag of the last write

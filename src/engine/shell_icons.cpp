@@ -70,6 +70,15 @@ bool isThere(Session& session, const Tweak& tweak, std::string_view name) {
   return readRawValue(session.registry(), tweak.root, tweak.key, name, value) == ERROR_SUCCESS;
 }
 
+// Explorer draws the arrow on files of a class that has this value, whatever it holds.
+constexpr std::string_view kIsShortcut = "IsShortcut";
+constexpr std::array<std::string_view, 2> kShortcutClasses{"lnkfile", "piffile"};
+
+bool hasClass(Session& session, std::string_view name) {
+  return platform::OpenKey(session.registry(), HKCR, name, platform::KEY_QUERY_VALUE).status() ==
+         ERROR_SUCCESS;
+}
+
 // What Windows has before anybody sets it, for a machine that has no value yet.
 constexpr unsigned char kTipsBit = 0x80;
 std::string defaultMask(const Session& session) {
@@ -183,6 +192,38 @@ std::string_view needsToolbarBitmap(const Tweak& tweak, Session& session) {
     }
   }
   return "No other picture is set for it.";
+}
+
+// What was without an arrow before the box was checked stays so when it is cleared.
+bool RegWorker::P_rwArrows(const Tweak& tweak) {
+  session_.trace.enter("[P_rwArrows]");
+  const bool on = wantsOn(tweak);
+  RawValue mark;
+  if (!read(HKCR, tweak.key, kIsShortcut, mark)) return false;
+  const bool hadArrows = mark.type != platform::REG_NONE || !mark.bytes.empty();
+  for (const std::string_view key : kShortcutClasses) {
+    if (on) {
+      const bool kept =
+          !hadArrows || keep(keepValue(session_, tweak, HKCR, key, kIsShortcut, nullptr));
+      if (!kept || !remove(HKCR, key, kIsShortcut)) return false;
+      continue;
+    }
+    bool wasKept = false;
+    if (!keep(putBackValue(session_, tweak, HKCR, key, kIsShortcut, wasKept))) return false;
+    const bool asWindowsHasIt = session_.g_bDefaulting || (!wasKept && !hadArrows);
+    if (asWindowsHasIt && hasClass(session_, key) && !write(HKCR, key, kIsShortcut, "")) {
+      return false;
+    }
+  }
+  return finishSpecial(tweak);
+}
+
+TweakState p_Arrows(const Tweak& tweak, Session& session) {
+  return fromBool(!isThere(session, tweak, kIsShortcut));
+}
+
+std::string_view needsShortcutClass(const Tweak& tweak, Session& session) {
+  return hasClass(session, tweak.key) ? "" : "No file type is registered for shortcuts.";
 }
 
 // One bit of many: the others stay as they are.

@@ -12,4 +12,7 @@ std::string_view needsBitmapClass(const Tweak& tweak, foundation::Session& sessi
 // Internet Explorer 5 with a picture other than its own, now or before the box was checked.
 std::string_view needsToolbarBitmap(const Tweak& tweak, foundation::Session& session);
 
+// The class of shortcuts, which every Windows registers.
+std::string_view needsShortcutClass(const Tweak& tweak, foundation::Session& session);
+
 }  // namespace korvex::engine

@@ -19,6 +19,7 @@
 #include "dialogs/shell/frm_fa.h"
 #include "dialogs/system/frm_more_security.h"
 #include "dialogs/system/frm_system_information.h"
+#include "dialogs/system/frm_win_tweaks_ii.h"
 #include "main_window/frm_main.h"
 
 namespace korvex::program {
@@ -40,20 +41,11 @@ std::unique_ptr<forms::Form> make(const dialogs::DialogParts& parts) {
   return std::make_unique<Dialog>(parts);
 }
 
-// A dialog that is nothing but the rows of its bank.
-template <const char* Name, const char* Caption, engine::Bank Bank>
-std::unique_ptr<forms::Form> makeOfRows(const dialogs::DialogParts& parts) {
-  return std::make_unique<dialogs::TweakDialog>(Name, Caption, Bank, parts);
-}
-
-constexpr char kWinTweaksII[] = "frmWinTweaksII";
-constexpr char kWinTweaksIICaption[] = "Korvex...for Power Users - Win Tweaks II";
-
 constexpr std::array kDialogs{
     DialogRow{{dialogs::frmMoreSecurity::kName, "Further restrictions"},
               make<dialogs::frmMoreSecurity>},
-    DialogRow{{kWinTweaksII, "Win Tweaks, continued"},
-              makeOfRows<kWinTweaksII, kWinTweaksIICaption, engine::Bank::WinTweaksII>},
+    DialogRow{{dialogs::frmWinTweaksII::kName, "Win Tweaks, continued"},
+              make<dialogs::frmWinTweaksII>},
     DialogRow{{dialogs::frmNT4_Win2KCont::kName, "NT4/Win2K, continued"},
               make<dialogs::frmNT4_Win2KCont>},
     DialogRow{{dialogs::frmNTServer::kName, "Server settings of NT"}, make<dialogs::frmNTServer>},

@@ -147,7 +147,7 @@ class EveryTweak : public testing::TestWithParam<Sample> {
       engine::showState(form, row, wanted);
       EXPECT_TRUE(view_.hasKey(marker(tweak))) << "no marker " << marker(tweak);
     }
-    form.find<forms::CommandButton>("cmdApply")->press();
+    form.applyButton()->press();
   }
 
   void expectLines(const ExpectedTweak& tweak, const std::vector<std::string>& fresh, Step step) {
@@ -201,7 +201,19 @@ class EveryTweak : public testing::TestWithParam<Sample> {
               engine::readState(row, session).kind);
   }
 
+  void expectRefusal(const ExpectedTweak& tweak, const Tweak& row) {
+    auto* box = program_->formBook().load(row.form).find<forms::CheckBox>(row.control);
+    ASSERT_NE(nullptr, box) << row.control;
+    box->Value = 1;
+    EXPECT_EQ(0, box->Value);
+    EXPECT_FALSE(view_.hasKey(marker(tweak)));
+    ASSERT_EQ(1U, prompts_.messages.size());
+    EXPECT_TRUE(prompts_.messages[0].text.starts_with(tweak.refused));
+    prompts_.messages.clear();
+  }
+
   void sweep(const ExpectedTweak& tweak, const Tweak& row) {
+    if (!tweak.refused.empty()) return expectRefusal(tweak, row);
     std::vector<std::string> fresh;
     for (const ExpectedLine& line : tweak.lines) fresh.push_back(now(line));
     const auto before = neighbours(tweak);

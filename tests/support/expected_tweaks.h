@@ -9,6 +9,7 @@
 //   given @where | value | data      stands on the machine before the program starts
 //   answer yes                       to the question that the checked box asks
 //   says ...                         beginning of the message that follows the checked box
+//   refused @where ...               the click is taken back there, with a message that begins so
 //   type "on" | "off"                what is typed into a field, or chosen of a list
 //   @where | value | checked | unchecked | by default
 //   @where key | there | gone | gone        the key itself; its values are not looked at
@@ -50,6 +51,7 @@ struct ExpectedTweak {
   std::vector<ExpectedLine> given;  // the first state counts
   std::optional<bool> answer;
   std::string says;
+  std::string refused;
   std::optional<std::array<std::string, 2>> typed;
 };
 
@@ -132,6 +134,8 @@ class ExpectedTweaks {
       tweak.says = line;
     } else if (take(line, "answer ")) {
       tweak.answer = line == "yes";
+    } else if (take(line, "refused ")) {
+      if (takeWhere(line)) tweak.refused = line;
     } else if (take(line, "type ")) {
       const auto texts = parts(line);
       tweak.typed = {unquoted(texts.at(0)), unquoted(texts.at(1))};
