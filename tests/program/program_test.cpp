@@ -127,6 +127,35 @@ TEST(Program, SecondInstanceEndsAfterItsMessage) {
   EXPECT_EQ(1u, prompts.messages.size());
 }
 
+// Whoever cannot say the password sees nothing of the machine and changes nothing on it.
+TEST(Program, ThePasswordIsAskedForBeforeTheMainWindow) {
+  test::TestMachine machine{test::Family::Nt};
+  foundation::GRegTool regTool(machine.registry(), machine->systemInfo());
+  platform::SodiumPasswordHash hash;
+  std::string code;
+  ASSERT_EQ(0, protection::ProgramPassword(regTool, hash).set("Sesame", code));
+  test::ScriptedPrompts prompts;
+  std::vector<std::string> shown;
+  const auto run = [&](const std::string& typed) {
+    Program program(machine.get(), prompts);
+    Host host([&](forms::Form& form) {
+      shown.push_back(form.name());
+      if (form.name() != "frmLogin") return form.find<forms::CommandButton>("cmdDone")->press();
+      form.find<forms::TextBox>("txtPassword")->Text = typed;
+      form.find<forms::CommandButton>(typed.empty() ? "cmdCancel" : "cmdOK")->press();
+    });
+    return program.run(host);
+  };
+  EXPECT_EQ(5, run(""));
+  EXPECT_EQ(std::vector<std::string>{"frmLogin"}, shown);
+  const platform::OpenKey own(machine.registry(), platform::HKEY_LOCAL_MACHINE, "SOFTWARE\\Korvex",
+                              platform::KEY_READ);
+  EXPECT_NE(0, own.status()) << "the main window was loaded";
+  shown.clear();
+  EXPECT_EQ(0, run("SESAME"));
+  EXPECT_EQ((std::vector<std::string>{"frmLogin", "frmMain"}), shown);
+}
+
 TEST(Program, EndAfterAnErrorClosesTheWindowWithoutAQuestion) {
   const test::TestMachine machine{test::Family::Nt};
   test::ScriptedPrompts prompts;

@@ -252,8 +252,22 @@ class PageCheck {
     if (sameLine) return b.left() < a.left();
     if (sameColumn) return b.top() < a.top();
     const bool besideEachOther = partedBy(from.path, to.path);
-    if (besideEachOther) return b.left() < a.left();
+    if (besideEachOther) {
+      // Of two frames in one column the lower one comes next, wherever in them the controls stand.
+      const QRect frameOfA = frameOf(*from.widget);
+      const QRect frameOfB = frameOf(*to.widget);
+      if (frameOfA.left() == frameOfB.left()) return frameOfB.top() < frameOfA.top();
+      return b.left() < a.left();
+    }
     return b.top() < a.top();
+  }
+
+  QRect frameOf(const QWidget& widget) const {
+    const QWidget* frame = &widget;
+    while (frame != &view_ && qobject_cast<const QGroupBox*>(frame) == nullptr) {
+      frame = frame->parentWidget();
+    }
+    return rectOf(frame == &view_ ? widget : *frame);
   }
 
   // Whether the part in which the two stand apart fills its columns one after the other.

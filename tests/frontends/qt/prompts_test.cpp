@@ -181,17 +181,6 @@ TEST_F(Picker, SavingAddsTheExtensionNeedsTheFolderAndAsksBeforeItReplaces) {
   EXPECT_EQ(over.picked(), "C:\\WINNT\\notes.txt");
 }
 
-TEST_F(Picker, AFolderPickerShowsAndTakesFoldersOnly) {
-  qt::MachinePicker picker(files, "Folder", nullptr);
-  auto& tree = *picker.findChild<QTreeView*>();
-  EXPECT_EQ(names(*tree.model(), tree.currentIndex()), (QStringList{"Program Files", "WINNT"}));
-  type(picker, "C:\\WINNT\\win.ini");
-  EXPECT_EQ(picker.picked(), "");
-  EXPECT_EQ(message(picker), "C:\\WINNT\\win.ini is a file, not a folder.");
-  type(picker, "c:/winnt/");
-  EXPECT_EQ(picker.picked(), "c:\\winnt");
-}
-
 TEST(Text, EveryTextOfARegistryComesThroughWhole) {
   for (const std::string text : {"plain", "\xC3\xA9t\xC3\xA9", "\xF0\x9F\x98\x80", "a\xED\xA0\x80z",
                                  "\xED\xB0\x80", "\xED\x9F\xBF", "\xED\xA0\xBD\xED\xA0\xBD"}) {
