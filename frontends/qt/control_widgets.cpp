@@ -218,7 +218,9 @@ QWidget* ControlWidgets::makeLabel(forms::Label& control, QWidget* parent) {
     const std::string& caption = control.Caption;
     const QString text = hasBuddy ? asLines(caption) : withoutMnemonics(caption);
     label->setText(QString(text).replace("\r\n", "\n"));
-    const bool wrap = !hasBuddy && text.size() > kWrapLabelsLongerThan;
+    // What is set out in columns by blanks would come apart.
+    const bool columns = text.contains("   ");
+    const bool wrap = !hasBuddy && !columns && text.size() > kWrapLabelsLongerThan;
     label->setWordWrap(wrap);
     if (wrap) label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum);
   });

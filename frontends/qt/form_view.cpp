@@ -164,7 +164,8 @@ void FormView::showWork() {
 CommandButton* FormView::buttonWith(CommandButton::Role role) const {
   for (forms::Control* control : form_.controls()) {
     auto* button = dynamic_cast<CommandButton*>(control);
-    if (button != nullptr && button->role() == role && widgetOf(*button) != nullptr) return button;
+    if (button == nullptr || button->role() != role || !button->Visible) continue;
+    if (widgetOf(*button) != nullptr) return button;
   }
   return nullptr;
 }

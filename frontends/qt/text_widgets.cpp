@@ -16,7 +16,6 @@ namespace korvex::qt {
 namespace {
 
 constexpr int kWideField = 30;  // characters; from here on a field takes the width that is left
-constexpr int kRowsOfText = 5;
 constexpr int kUnlimited = 32767;
 
 bool leavesField(const QFocusEvent& event) {
@@ -84,13 +83,14 @@ class TextField : public QPlainTextEdit {
   QSize sizeHint() const override {
     const QFontMetrics metrics = fontMetrics();
     return {metrics.horizontalAdvance('0') * control_.options().widthInCharacters,
-            metrics.lineSpacing() * kRowsOfText + 2 * frameWidth() + metrics.lineSpacing() / 2};
+            metrics.lineSpacing() * control_.options().rows + 2 * frameWidth() +
+                metrics.lineSpacing() / 2};
   }
   QSize minimumSizeHint() const override { return {sizeHint().width() / 2, sizeHint().height()}; }
 
   void show(const std::string& text) {
     const QString shown = toQt(text).replace("\r\n", "\n");
-    if (shown == toPlainText()) return;
+    if (shown == typed()) return;
     showing_ = true;
     setPlainText(shown);
     showing_ = false;
@@ -100,7 +100,7 @@ class TextField : public QPlainTextEdit {
   void take() {
     if (showing_) return;
     const int limit = control_.options().maxLength;
-    if (limit > 0 && toPlainText().size() > std::max<qsizetype>(limit, last_.size())) {
+    if (limit > 0 && typed().size() > std::max<qsizetype>(limit, last_.size())) {
       const int position = textCursor().position();
       showing_ = true;
       setPlainText(last_);
@@ -110,7 +110,7 @@ class TextField : public QPlainTextEdit {
       setTextCursor(cursor);
       return;
     }
-    last_ = toPlainText();
+    last_ = typed();
     control_.Text = fromQt(QString(last_).replace("\n", "\r\n"));
   }
 
@@ -124,6 +124,14 @@ class TextField : public QPlainTextEdit {
   }
 
  private:
+  // toPlainText would make blanks of no-break spaces: a file's text must come back as it is.
+  QString typed() const {
+    return document()
+        ->toRawText()
+        .replace(QChar::ParagraphSeparator, '\n')
+        .replace(QChar::LineSeparator, '\n');
+  }
+
   forms::TextBox& control_;
   QString last_;
   bool showing_ = false;

@@ -40,6 +40,7 @@ struct TextBoxOptions {
   bool multiLine = false;
   bool password = false;
   bool readOnly = false;
+  int rows = 5;  // of several lines, those that are seen
 };
 
 class TextBox : public Control {

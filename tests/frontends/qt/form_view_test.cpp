@@ -104,6 +104,11 @@ TEST_F(View, SeveralLinesKeepTheirLengthAndWindowsLineEnds) {
   form.txtText.Text = "x\r\ny";
   EXPECT_EQ(field.toPlainText(), "x\ny");
   EXPECT_EQ(form.txtText.Text.get(), "x\r\ny");
+
+  // A no-break space stays one when something else is typed.
+  form.txtText.Text = "\xC2\xA0\r\n";
+  QTest::keyClicks(&field, "z");
+  EXPECT_EQ(form.txtText.Text.get(), "z\xC2\xA0\r\n");
 }
 
 TEST_F(View, LeavingAFieldIsToldOnceAndNotForAnotherWindow) {
