@@ -13,10 +13,15 @@
 #include "dialogs/logon/frm_logon_bitmap.h"
 #include "dialogs/logon/frm_password.h"
 #include "dialogs/network/frm_ip_addresses.h"
+#include "dialogs/network/frm_nt_ip_forward.h"
 #include "dialogs/nt/frm_dr_wat.h"
+#include "dialogs/nt/frm_l2_cache.h"
 #include "dialogs/nt/frm_nt4_win2k_cont.h"
+#include "dialogs/nt/frm_nt_debug.h"
+#include "dialogs/nt/frm_nt_heap_size.h"
 #include "dialogs/nt/frm_nt_server.h"
 #include "dialogs/shell/frm_fa.h"
+#include "dialogs/system/frm_fast_file_access.h"
 #include "dialogs/system/frm_more_security.h"
 #include "dialogs/system/frm_system_information.h"
 #include "dialogs/system/frm_win_tweaks_ii.h"
@@ -53,6 +58,14 @@ constexpr std::array kDialogs{
     DialogRow{{dialogs::frmPathSelecter::kName, "The folder picker"}},
     DialogRow{{dialogs::frmLogin::kName, "Asks for the password of Korvex"}},
     DialogRow{{dialogs::frmPassword::kName, "Sets the password of Korvex"}},
+    DialogRow{{dialogs::frmNTDebug::kName, "Boot.ini, and the load order of NT's drivers"},
+              make<dialogs::frmNTDebug>},
+    DialogRow{{dialogs::frmNTHeapSize::kName, "Desktop heap of NT"}, make<dialogs::frmNTHeapSize>},
+    DialogRow{{dialogs::frmL2Cache::kName, "Second-level cache of NT"}, make<dialogs::frmL2Cache>},
+    DialogRow{{dialogs::frmNT_IPForward::kName, "Forwarding buffers of TCP/IP"},
+              make<dialogs::frmNT_IPForward>},
+    DialogRow{{dialogs::frmFastFileAccess::kName, "Programs that start by their name"},
+              make<dialogs::frmFastFileAccess>},
     DialogRow{{dialogs::frmSystemInformation::kName, "Owner and company of Windows"},
               make<dialogs::frmSystemInformation>},
     DialogRow{{dialogs::frmAutoLogon::kName, "Automatic logon"}, make<dialogs::frmAutoLogon>},
