@@ -44,7 +44,7 @@ TEST_F(WinTweaksIIOn98, TheRowsWaitForTheMainApply) {
   EXPECT_EQ(nullptr, value(lnkfile, "IsShortcut"));
   EXPECT_EQ("checked",
             controlOf(json({"form", "show", "frmWinTweaksII"}).json(), "chkArrows")["state"]);
-  EXPECT_EQ(0, korvex({"set", "P_rwArrows", "off"}).code) << "its Apply has another name";
+  EXPECT_EQ(0, korvex({"set", "P_rwArrows=off"}).code) << "its Apply has another name";
   EXPECT_EQ("", value(lnkfile, "IsShortcut")["data"]);
 }
 
@@ -82,7 +82,7 @@ TEST_F(WinTweaksIIOn98, TheEngineAndTheDomainsAreWrittenAtOnce) {
 
 TEST_F(WinTweaksIIOnMe, WhatTheFormRefusesIsRefusedToAScript) {
   const std::string before = dump();
-  const Result set = korvex({"set", "P_rwRightClickDOS", "on"});
+  const Result set = korvex({"set", "P_rwRightClickDOS=on"});
   EXPECT_EQ(5, set.code);
   EXPECT_NE(std::string::npos, set.err.find("already being provided by the PowerToys"));
   EXPECT_EQ(before, dump());
