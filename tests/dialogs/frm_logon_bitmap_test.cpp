@@ -10,7 +10,7 @@ using platform::Answer;
 
 constexpr const char* kUnc =
     "UNC paths are not allowed for this feature.\r\n"
-    "Either move the bitmap to the local drive or\r\n"
+    "Either move the bitmap to the local drive or"
     "map the drive as a local letter.";
 constexpr const char* kNoBitmap =
     "The file must be a file with a bmp extension.\r\n"

@@ -51,7 +51,7 @@ TEST_F(HeapSize, StopsAtBothEnds) {
   window().cmdDown.press();
   EXPECT_EQ("1792", window().txtHeapSize.Text.get());
   EXPECT_EQ(0U, lastMessage().find("You cannot lower the heap any further.\r\nThis value should "));
-  EXPECT_TRUE(told("(as it would decrease performance), but should only be\r\nmodified"));
+  EXPECT_TRUE(told("(as it would decrease performance), but should only bemodified"));
   prompts.answers = {Answer::No, Answer::Yes};  // to discard it
   EXPECT_FALSE(book.unload(frmNTHeapSize::kName));
   EXPECT_EQ("2048", reopen().txtHeapSize.Text.get());

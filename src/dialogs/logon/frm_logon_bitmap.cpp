@@ -98,7 +98,7 @@ bool frmLogon_Bitmap::isOnAnotherComputer(std::string_view path) const {
   if (!beginsWithTwoSlashes(path)) return false;
   tell(
       "UNC paths are not allowed for this feature.\r\n"
-      "Either move the bitmap to the local drive or\r\n"
+      "Either move the bitmap to the local drive or"
       "map the drive as a local letter.",
       platform::kIconCritical);
   return true;

@@ -108,7 +108,7 @@ void frmDrWat::cmdDrWatsonLogSaveFile_Click() {
 // name is a '%'.
 void frmDrWat::writePath(std::string_view what, std::string_view value, const std::string& path) {
   engine::changeAtOnce(session(), what, [this, value, &path] {
-    return engine::putValue(session(), platform::HKEY_LOCAL_MACHINE, kDrWatsonKey, value, path);
+    return engine::putText(session(), platform::HKEY_LOCAL_MACHINE, kDrWatsonKey, value, path);
   });
   showPaths();
 }

@@ -51,7 +51,7 @@ void frmL2Cache::readMachine() {
     return disableAll(
         fmt::format("The size of the cache cannot be read: {}.", describeStatus(status)));
   }
-  const auto size = std::to_string(static_cast<std::uint32_t>(stored.number(0)));
+  const std::string size = std::to_string(static_cast<std::uint32_t>(stored.number(0)));
   lblCurrent.Caption = fmt::format("Currently, HAL defaults to {}K if L2 is not recognized.", size);
   const auto& sizes = cboL2Cache.items();
   const auto found = std::ranges::find(sizes, size);

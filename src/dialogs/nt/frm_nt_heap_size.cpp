@@ -27,15 +27,15 @@ constexpr std::uint32_t kFiveDigits = 10000;
 
 constexpr const char* kTooHigh =
     "You cannot raise the heap value larger.\r\n"
-    "This value should not be set to an arbitrarily high value\r\n"
-    "(as it would decrease performance), but should only be\r\n"
-    "increased sufficiently to allow all the desired applications\r\n"
+    "This value should not be set to an arbitrarily high value"
+    "(as it would decrease performance), but should only be"
+    "increased sufficiently to allow all the desired applications"
     "to run.";
 constexpr const char* kTooLow =
     "You cannot lower the heap any further.\r\n"
-    "This value should not be set to an arbitrarily low value\r\n"
-    "(as it would decrease performance), but should only be\r\n"
-    "modified sufficiently to allow all the desired applications\r\n"
+    "This value should not be set to an arbitrarily low value"
+    "(as it would decrease performance), but should only be"
+    "modified sufficiently to allow all the desired applications"
     "to run.";
 constexpr const char* kNoNumber =
     "The value Windows of the subsystems has no second number behind SharedSection=.";
