@@ -1,8 +1,6 @@
 // Windows NT and 2000 log on by themselves; on Windows 95, 98 and Me Tweak UI does it.
 #include "dialogs/logon/auto_logon.h"
 
-#include <fmt/format.h>
-
 #include "engine/at_once.h"
 
 namespace korvex::dialogs {
@@ -61,8 +59,7 @@ std::vector<std::string> obstaclesOnNt(const AutoLogon& logon, Session& session)
 std::vector<std::string> obstaclesOn9x(const AutoLogon& logon, Session& session) {
   std::vector<std::string> found;
   if (!session.files().exists(session.g_sWinSysDir + "TWEAKUI.CPL")) {
-    found.push_back(fmt::format("Tweak UI, which logs on, is not installed: {}TWEAKUI.CPL.",
-                                session.g_sWinSysDir));
+    found.emplace_back("Tweak UI (TWEAKUI.CPL), which logs on, is not installed.");
   }
   if (logon.on && session.regTool.GetRegStr(kRunServices, kTweakUi, HKEY_LOCAL_MACHINE).empty()) {
     found.emplace_back("Nothing starts Tweak UI's logon; Apply writes that too.");
