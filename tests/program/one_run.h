@@ -54,10 +54,15 @@ class OneRun {
   Boxes clickAll() {
     for (const Tweak* row : engine::allTweaks()) {
       if (row->shape != engine::ControlShape::CheckBox || !box(*row).Enabled) continue;
-      box(*row).Value = box(*row).Value == 1 ? 0 : 1;
+      person_.last.clear();
+      const int wanted = box(*row).Value == 1 ? 0 : 1;
+      box(*row).Value = wanted;
+      if (box(*row).Value != wanted) refused_[std::string(row->control)] = person_.last;
     }
     return read();
   }
+  // The clicks that a form took back, and what it said.
+  const std::map<std::string, std::string>& refused() const { return refused_; }
   void apply() {
     for (const FormRow& entry : Program::forms()) {
       auto* form = program_.formBook().loaded(entry.name);
@@ -77,6 +82,7 @@ class OneRun {
 
  private:
   AgreeingPerson person_;
+  std::map<std::string, std::string> refused_;
   Program program_;
 };
 
