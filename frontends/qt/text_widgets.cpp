@@ -77,6 +77,7 @@ class TextField : public QPlainTextEdit {
  public:
   TextField(forms::TextBox& control, QWidget* parent) : QPlainTextEdit(parent), control_(control) {
     setReadOnly(control.options().readOnly);
+    if (!control.options().wraps) setLineWrapMode(NoWrap);
     setTabChangesFocus(true);
   }
 

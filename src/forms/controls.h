@@ -40,7 +40,8 @@ struct TextBoxOptions {
   bool multiLine = false;
   bool password = false;
   bool readOnly = false;
-  int rows = 5;  // of several lines, those that are seen
+  int rows = 5;       // of several lines, those that are seen
+  bool wraps = true;  // of several lines: a long one goes on in the next
 };
 
 class TextBox : public Control {

@@ -4,10 +4,12 @@
 #include <unistd.h>
 
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 
 #include "backup/config_sets.h"
+#include "dialogs/nt/boot_file.h"
 #include "forms/controls.h"
 #include "main_window/start_up.h"
 #include "platform/common/reg_export.h"
@@ -269,6 +271,51 @@ TEST(Kill, ASavedSetIsAlwaysOneThatWasWholeOnce) {
           EXPECT_EQ(0U, item.problems.size()) << item.problems.front() << " in round " << round;
         }
       });
+}
+
+// A boot file that tells its number in every line.
+std::string bootText(int number) {
+  std::string text = "[boot loader]\r\n";
+  for (int line = 0; line < 200; ++line) text += fmt::format("timeout={}\r\n", number);
+  return text + "[operating systems]\r\n";
+}
+
+bool isWholeBootFile(const std::string& text) {
+  const std::string mark = "timeout=";
+  const std::size_t at = text.find(mark);
+  return at != std::string::npos && text == bootText(std::stoi(text.substr(at + mark.size())));
+}
+
+TEST(Kill, TheBootFileAndItsCopiesAreAlwaysThereAndWhole) {
+  test::TestMachine machine("windows-2000");
+  ASSERT_EQ(0, machine->files().setAttributes(dialogs::kBootIni, 0));
+  ASSERT_EQ(0, machine->files().replace(dialogs::kBootIni, bootText(0)));
+  std::set<std::string> seen;
+  killAgainAndAgain(
+      machine, 60, 12'000,
+      [&](int round, const Bell& bell) {
+        const auto opened = machine.open(platform::OpenMode::ReadWrite);
+        test::ScriptedPrompts prompts;
+        foundation::Session session(*opened, prompts);
+        dialogs::BootFile file(session);
+        for (int i = 1;; ++i) {
+          if (file.write(bootText(1000 * round + i)).status != 0) _exit(1);
+          if (i == 1) bell.ring();
+        }
+      },
+      [&](platform::Registry&, int round) {
+        const auto contentOf = [&machine](std::string_view path) {
+          std::string bytes;
+          EXPECT_EQ(0, machine->files().read(path, bytes)) << path;
+          return bytes;
+        };
+        const std::string now = contentOf(dialogs::kBootIni);
+        EXPECT_TRUE(isWholeBootFile(now)) << "round " << round << ": " << now.size();
+        EXPECT_TRUE(isWholeBootFile(contentOf(dialogs::kBootPrevious))) << "round " << round;
+        EXPECT_EQ(bootText(0), contentOf(dialogs::kBootMaster)) << "round " << round;
+        seen.insert(now);
+      });
+  EXPECT_GT(seen.size(), 10U) << "nothing was written";
 }
 
 }  // namespace

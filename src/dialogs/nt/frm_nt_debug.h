@@ -17,7 +17,9 @@ class frmNTDebug : public DirectDialog {
   void Unload() override;
 
   forms::TextBox txtBOOTININT{
-      *this, "txtBOOTININT", {.widthInCharacters = 80, .multiLine = true, .rows = 9}};
+      *this,
+      "txtBOOTININT",
+      {.widthInCharacters = 80, .multiLine = true, .rows = 9, .wraps = false}};
   forms::Label lblBootIni{*this, "lblBootIni", "&Boot.ini", &txtBOOTININT};
   forms::Frame fraBootIni{*this, "fraBootIni", "Boot.ini switches"};
   forms::CommandButton cmdShowDriverLoadOrder{*this, "cmdShowDriverLoadOrder",
