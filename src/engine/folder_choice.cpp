@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/at_once.h"
+#include "platform/trimmed.h"
 
 namespace korvex::engine {
 
@@ -14,12 +15,6 @@ using foundation::Session;
 using platform::Status;
 
 namespace {
-
-std::string trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(' ') + 1 - first));
-}
 
 // What begins a path on another computer, or one on the present drive: its slashes.
 std::string slashesOf(const std::string& start) {
@@ -42,7 +37,7 @@ std::string tidyFolder(std::string_view path) {
   std::vector<std::string> parts;
   for (std::size_t begin = 0; begin <= path.size();) {
     const std::size_t end = std::min(path.find_first_of("\\/", begin), path.size());
-    const std::string part = trimmed(path.substr(begin, end - begin));
+    const std::string part(platform::trimmed(path.substr(begin, end - begin), " "));
     // Nothing lies above a drive.
     if (part == ".." && parts.size() > 1) parts.pop_back();
     if (!part.empty() && part != "." && part != "..") parts.push_back(part);

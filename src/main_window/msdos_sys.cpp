@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "engine/same_name.h"
+#include "platform/trimmed.h"
 
 namespace korvex::main_window {
 namespace {
@@ -12,12 +13,7 @@ constexpr std::size_t kMustExceed = 1024;
 constexpr std::size_t kPaddingWidth = 69;
 constexpr std::string_view kLineEnd = "\r\n";
 
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
+using platform::trimmed;
 
 // "Options" of "[Options]"; nothing for any other line.
 std::optional<std::string_view> sectionOf(std::string_view line) {

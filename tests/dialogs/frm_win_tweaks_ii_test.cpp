@@ -8,6 +8,7 @@
 #include <set>
 
 #include "dialogs/dialog_fixture.h"
+#include "dialogs/failing_machine.h"
 #include "platform/common/composed_machine.h"
 #include "platform/common/registry_decorators.h"
 #include "support/failing_files.h"
@@ -63,30 +64,6 @@ class FailingIni : public platform::InitFiles {
 
  private:
   platform::InitFiles& inner_;
-  int nth_ = 0;
-  int calls_ = 0;
-};
-
-// A registry of which the n-th call from now on fails.
-class FailingLater : public platform::ForwardingRegistry {
- public:
-  using ForwardingRegistry::ForwardingRegistry;
-  void fail(int nth) {
-    nth_ = nth;
-    calls_ = 0;
-  }
-  bool hasFailed() const { return nth_ > 0 && calls_ >= nth_; }
-  platform::Status commitChange() override {
-    const platform::Status status = admit();
-    if (status == 0) return inner_.commitChange();
-    inner_.rollbackChange();
-    return status;
-  }
-
- private:
-  platform::Status admit() override {
-    return ++calls_ == nth_ ? platform::ERROR_REGISTRY_IO_FAILED : 0;
-  }
   int nth_ = 0;
   int calls_ = 0;
 };
@@ -170,7 +147,7 @@ struct Desk {
   test::ScriptedPrompts prompts;
   test::TestMachine sampleMachine;
   test::RegistryView registry{sampleMachine.registry()};
-  FailingLater failingRegistry;
+  ArmedRegistry failingRegistry;
   test::FailingFiles files;
   FailingIni ini;
   MachineWithWindow machine;

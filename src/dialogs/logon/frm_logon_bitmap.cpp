@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "engine/same_name.h"
+#include "platform/trimmed.h"
 
 namespace korvex::dialogs {
 
@@ -17,12 +18,6 @@ constexpr std::string_view kWallpaper = "Wallpaper";
 constexpr const char* kNoWallpaper = "(Default)";
 constexpr std::string_view kAppPaths = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
 constexpr std::string_view kSlashes = "\\/";
-
-std::string trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
 
 std::string lastPart(const std::string& path) {
   return path.substr(path.find_last_of(kSlashes) + 1);  // npos + 1 is 0
@@ -121,7 +116,7 @@ void frmLogon_Bitmap::cndBitmap_Browse_Click() {
 }
 
 void frmLogon_Bitmap::cmdBitmap_Finish_Click() {
-  const std::string typed = trimmed(txtBitmap.Text);
+  const std::string typed(platform::trimmed(txtBitmap.Text.get(), " "));
   asksForProgram() ? finishProgram(typed) : finishBitmap(typed);
 }
 

@@ -7,17 +7,13 @@
 #include <charconv>
 #include <utility>
 
+#include "platform/trimmed.h"
+
 namespace korvex::dialogs {
 namespace {
 
 constexpr std::string_view kBlanks = " \t";
 constexpr std::uint32_t kHighestOctet = 255;
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
 
 }  // namespace
 
@@ -52,7 +48,8 @@ void AddressList::cutUp() {
   quads_.clear();
   for (std::size_t begin = 0; begin < text_.size();) {
     const std::size_t end = std::min(text_.find(',', begin), text_.size());
-    const std::string_view quad = trimmed(std::string_view(text_).substr(begin, end - begin));
+    const std::string_view quad =
+        platform::trimmed(std::string_view(text_).substr(begin, end - begin));
     if (!quad.empty()) {
       pieces_.push_back({begin, end});
       quads_.emplace_back(quad);

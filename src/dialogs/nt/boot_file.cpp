@@ -7,6 +7,7 @@
 
 #include "engine/same_name.h"
 #include "platform/text/text.h"
+#include "platform/trimmed.h"
 
 namespace korvex::dialogs {
 
@@ -16,7 +17,6 @@ using namespace platform;
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
 constexpr std::uint32_t kNormal = 0;
 
 const CodePage& codePageOf(Session& session) {
@@ -44,12 +44,6 @@ std::string withCrLf(std::string_view text) {
     if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
   }
   return result;
-}
-
-std::string_view trimmed(std::string_view line) {
-  const std::size_t first = line.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return line.substr(first, line.find_last_not_of(kBlanks) + 1 - first);
 }
 
 Status readLimited(Files& files, std::string& bytes) {

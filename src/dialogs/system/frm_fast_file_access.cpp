@@ -7,6 +7,7 @@
 
 #include "engine/raw_value.h"
 #include "platform/text/text.h"
+#include "platform/trimmed.h"
 
 namespace korvex::dialogs {
 
@@ -20,10 +21,7 @@ constexpr std::string_view kExe = ".exe";
 
 // As it would be typed: without quotes and blanks around it.
 std::string tidied(const std::string& typed) {
-  constexpr std::string_view kAround = " \t\"";
-  const std::size_t first = typed.find_first_not_of(kAround);
-  if (first == std::string::npos) return {};
-  std::string path = typed.substr(first, typed.find_last_not_of(kAround) + 1 - first);
+  std::string path(trimmed(typed, " \t\""));
   std::ranges::replace(path, '/', '\\');
   return path;
 }

@@ -7,6 +7,7 @@
 #include <charconv>
 
 #include "engine/same_name.h"
+#include "platform/trimmed.h"
 
 namespace korvex::dialogs {
 
@@ -67,10 +68,8 @@ RawValue templateOf(std::string_view domain) {
 }  // namespace
 
 std::string tidyDomain(std::string_view typed) {
-  const std::size_t first = typed.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  typed = typed.substr(first, typed.find_last_not_of(" \t") + 1 - first);
-  if (typed.front() == '.') typed.remove_prefix(1);
+  typed = platform::trimmed(typed);
+  if (typed.starts_with('.')) typed.remove_prefix(1);
   std::string domain(typed);
   for (char& c : domain) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
