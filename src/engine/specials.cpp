@@ -1,12 +1,12 @@
 // Routines of RegWorker that the mode table cannot carry out alone.
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <string>
 
 #include "engine/catalogue.h"
 #include "engine/catalogue/rows.h"
 #include "engine/defrag_entry.h"
+#include "engine/numeral_field.h"
 #include "engine/reg_worker.h"
 #include "engine/same_name.h"
 #include "foundation/runtime_error.h"
@@ -71,9 +71,7 @@ std::string RegWorker::fieldText(const Tweak& tweak) {
 bool RegWorker::P_rwStartMenuSpeed(const Tweak& tweak) {
   session_.trace.enter("[P_rwStartMenuSpeed]");
   const std::string figure = fieldText(tweak);
-  const bool digits =
-      !figure.empty() && std::ranges::all_of(figure, [](char c) { return c >= '0' && c <= '9'; });
-  if (!digits) {
+  if (figure.empty() || !takesNumeral(figure)) {
     notify("This field accepts numerical characters only.", platform::kIconInformation);
     return keep(platform::ERROR_INVALID_DATA);
   }

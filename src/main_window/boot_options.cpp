@@ -7,6 +7,7 @@
 #include <charconv>
 #include <utility>
 
+#include "engine/numeral_field.h"
 #include "engine/readers.h"
 #include "forms/control.h"
 #include "foundation/error_handler.h"
@@ -36,9 +37,7 @@ constexpr std::string_view kDrivers = "Drivers and disks";
 constexpr int kAsSetupFound = -1;
 constexpr engine::Families kRealMode = kWin95 | kWin98;  // Me starts without it
 
-bool isNumber(const std::string& text) {
-  return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
+bool isNumber(const std::string& text) { return !text.empty() && engine::takesNumeral(text); }
 
 // What an option counts as that the file does not name.
 std::string defaultText(int byDefault) { return std::to_string(std::max(0, byDefault)); }

@@ -10,6 +10,7 @@
 
 #include "dialogs/system/search_engines.h"
 #include "engine/at_once.h"
+#include "engine/numeral_field.h"
 
 namespace korvex::dialogs {
 
@@ -54,10 +55,6 @@ void disable(std::initializer_list<forms::Control*> controls, const std::string&
     control->Enabled = false;
     control->ToolTipText = reason;
   }
-}
-
-bool isNumber(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
 }
 
 }  // namespace
@@ -196,7 +193,7 @@ void frmWinTweaksII::cmdlblIconCache_Click() {
                       "Change icon cache size", size)
             .value_or("");
     if (answer.empty()) return session().trace.add("USER_CANCEL");
-    if (isNumber(answer)) {
+    if (engine::takesNumeral(answer)) {
       if (!finishIconCache("The icon cache size", setIconCacheSize(session(), answer))) return;
       session().g_bRebootNeeded = true;
       return tell(session(),
