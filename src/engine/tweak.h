@@ -85,7 +85,7 @@ using TextReader = std::string (*)(const Tweak&, foundation::Session&);
 // Why this machine cannot have the tweak, beyond its Windows; "" where it can. Reads only.
 using Condition = std::string_view (*)(const Tweak&, foundation::Session&);
 // Fills in what depends on a fact of the machine: a key, a value's name, a default, a caption.
-// The texts it puts in must be literals. Reads only.
+// The texts it puts in are literals, or lasting ones of the session. Reads only.
 using Adapt = void (*)(Tweak&, foundation::Session&);
 
 struct Tweak {
@@ -113,10 +113,18 @@ struct Tweak {
   // otherwise.
   bool digitsOnly = false;
   std::string_view orWord = {};
+  bool lettersOnly = false;  // letters and blanks
+  // Of a number: what it may be, and what is told of another one, as it is typed and when it would
+  // be written (rangeText where that is empty). Without rangeText any.
+  std::uint32_t lowest = 0;
+  std::uint32_t highest = 0;
+  std::string_view rangeText = {};
+  std::string_view skipText = {};
   // What is told of a text that the box does not take.
   std::string_view refusal = "This field accepts numerical characters only.";
-  // Of a combo box: what can be chosen.
+  // Of a combo box: what can be chosen, and whether something else can be typed.
   std::span<const std::string_view> choices = {};
+  bool freeText = false;
   Page page = Page::Security;
   std::string_view group = {};    // title of the frame it stands in
   std::string_view caption = {};  // '&' marks the mnemonic

@@ -158,6 +158,21 @@ RegisteredTo P_ID(Session& session) {
   return id;
 }
 
+void p_DetermineOfficeRegPath(Session& session) {
+  session.g_iOfficeVer = 0;
+  session.g_sOfficePath.clear();
+  for (const std::int16_t version : {9, 8}) {
+    const std::string path = fmt::format("Software\\Microsoft\\Office\\{}.0", version);
+    const OpenKey key(session.registry(), HKEY_CURRENT_USER, path, KEY_QUERY_VALUE);
+    if (key.status() != ERROR_SUCCESS) continue;
+    session.g_iOfficeVer = version;
+    session.g_sOfficePath = path;
+    break;
+  }
+  session.trace.enter("[p_DetermineOfficeRegPath]");
+  session.trace.dump("g_iOfficeVer%", session.g_iOfficeVer);
+}
+
 void detectSystem(Session& session) {
   P_DetermineSystemPaths(session);
   P_GetOSPlatform(session);
@@ -165,6 +180,7 @@ void detectSystem(Session& session) {
   P_DetermineProfiles(session);
   P_DetermineProfileDirInfo(session);
   initializeProfileFolders(session);
+  p_DetermineOfficeRegPath(session);
 }
 
 }  // namespace korvex::foundation

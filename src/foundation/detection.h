@@ -22,6 +22,9 @@ void P_DetermineProfileDirInfo(Session& session);
 // Fills pd, registers the program's path and builds the phone-book path.
 void p_InitializeProfileDirInfo(Session& session);
 
+// Which Office the user has: 2000, or else 97.
+void p_DetermineOfficeRegPath(Session& session);
+
 // The same facts without any write, for runs that only read: all routines above in their order.
 void detectSystem(Session& session);
 

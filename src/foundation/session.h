@@ -7,8 +7,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "foundation/greg_tool.h"
 #include "foundation/log_worker.h"
@@ -24,6 +27,13 @@ constexpr std::string_view kCrLf = "\r\n";
 
 enum class Os { Unknown, Windows95, Windows98, WindowsMe, WindowsNT4, Windows2000 };
 std::string_view osName(Os os);  // "Windows Millennium"
+
+// Which settings of the Jet database engine are meant, as long as frmOffice is open; without it
+// what that window remembered is meant (engine/jet.h).
+struct JetChoice {
+  std::optional<bool> global;  // all programs of the machine, or Access alone
+  std::string engine;          // "JET 4.0"; "" for what was remembered
+};
 
 class Session {
  public:
@@ -64,6 +74,13 @@ class Session {
   std::string g_sShellVersion;   // file version of Shdocvw.dll
   std::string g_sPhoneBookPath;  // of dial-up connections; "" where Windows keeps none
   ProfileFolders pd;
+  std::int16_t g_iOfficeVer = 0;      // 8 for Office 97, 9 for Office 2000, 0 for any other or none
+  std::string g_sOfficePath;          // of HKEY_CURRENT_USER: "Software\\Microsoft\\Office\\9.0"
+  std::int16_t g_iOfficeLastTab = 1;  // the group of frmOffice that was shown last, from 1
+  JetChoice jet;
+
+  // The same text for as long as the session lives: for views in rows and tables.
+  std::string_view lasting(std::string text) { return *texts_.insert(std::move(text)).first; }
 
   // Flags.
   bool g_bNoRecord = false;
@@ -88,6 +105,7 @@ class Session {
   platform::Machine& machine_;
   platform::Prompts& prompts_;
   bool endRequested_ = false;
+  std::set<std::string, std::less<>> texts_;
 };
 
 }  // namespace korvex::foundation

@@ -130,7 +130,8 @@ void frmMain::Load() {
   readMachine();
   P_SetWindowPos(session_, *this, true);
   p_SetTabControl();
-  officeLastTab_ = readSetting(session_, "OfficeLastTab", officeLastTab_);
+  session_.g_iOfficeLastTab =
+      static_cast<std::int16_t>(readSetting(session_, "OfficeLastTab", session_.g_iOfficeLastTab));
   session_.g_bNoRecord = false;
 
   cmdApply.Enabled = false;
@@ -272,7 +273,7 @@ void frmMain::rememberTab() {
   foundation::P_WriteRegValue(session_, HKEY_LOCAL_MACHINE, kConfiguration, "LastTab",
                               storedTab(tab.caption), KEY_ALL_ACCESS, true);
   foundation::P_WriteRegValue(session_, HKEY_LOCAL_MACHINE, kConfiguration, "OfficeLastTab",
-                              static_cast<std::int16_t>(officeLastTab_), KEY_ALL_ACCESS, true);
+                              session_.g_iOfficeLastTab, KEY_ALL_ACCESS, true);
 }
 
 int frmMain::changesWaiting() const {

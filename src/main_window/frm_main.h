@@ -83,7 +83,6 @@ class frmMain : public forms::Form {
   bool discardAgreed_ = false;
   std::string machineText_;
 
-  int officeLastTab_ = 1;
 };
 
 }  // namespace korvex::main_window

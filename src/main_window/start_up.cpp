@@ -98,6 +98,7 @@ StartResult StartUp::prepare() {
   foundation::P_DetermineProfiles(session_);
   foundation::P_DetermineProfileDirInfo(session_);
   foundation::p_InitializeProfileDirInfo(session_);
+  foundation::p_DetermineOfficeRegPath(session_);
   P_CheckPFIAssociation();
   readOptions(session_);
   return StartResult::Started;

@@ -3,6 +3,7 @@
 
 #include "engine/catalogue/rows.h"
 #include "engine/conditions.h"
+#include "engine/office.h"
 #include "engine/readers.h"
 #include "engine/reg_worker.h"
 #include "engine/shell_icons.h"
@@ -35,15 +36,6 @@ void defaultByProduct(Tweak& row, foundation::Session& session) {
 
 // What a person can choose of p_DetermineBrowserElection.
 constexpr std::array<std::string_view, 3> kElections{"Auto", "Yes", "No"};
-
-// Outlook keeps its options under the Office that it came with.
-void keyOfOffice(Tweak& row, foundation::Session& session) {
-  const platform::OpenKey office2000(session.registry(), HKCU, "Software\\Microsoft\\Office\\9.0",
-                                     platform::KEY_QUERY_VALUE);
-  if (office2000.status() == platform::ERROR_SUCCESS) {
-    row.key = "Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\Mail";
-  }
-}
 
 constexpr std::array kWinTweaksII{
     Tweak{.property = "P_rwLinks",
@@ -191,7 +183,7 @@ constexpr std::array kWinTweaksII{
           .lacks = needsExplorer4},
     Tweak{.property = "P_rwLogging",
           .root = HKCU,
-          .key = "Software\\Microsoft\\Office\\8.0\\Outlook\\Options\\Mail",
+          .key = "Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\Mail",
           .value = "Logging",
           .mode = 0,
           .byDefault = dword(0),
