@@ -37,7 +37,7 @@ class PathSelecter : public DialogTest {
 
 TEST_F(PathSelecter, ShowsTheMachinesDrivesAndOpensItsFolders) {
   ASSERT_EQ(0, machine->files().createFolder("C:\\Two Words\\Inner"));
-  const auto folder = choose([this](frmPathSelecter& form) {
+  const auto folder = choose([](frmPathSelecter& form) {
     EXPECT_EQ("Where && how?", form.lblInfo.Caption.get());
     EXPECT_EQ("C:\\", form.drvDrive.selectedItem());
     EXPECT_EQ("C:\\", form.txtCreateDirName.Text.get());

@@ -83,7 +83,7 @@ TEST_P(ClearCommand, TakesWhatItNamesAndNothingElse) {
   const Contents before = contents();
   for (const auto& [name, data] : before) {
     const bool goes = std::ranges::any_of(
-        GetParam().gone, [&name](const std::string& gone) { return name.starts_with(gone); });
+        GetParam().gone, [&name = name](const std::string& gone) { return name.starts_with(gone); });
     if (!goes) expected[name] = data;
   }
   ASSERT_TRUE(expected.contains(GetParam().kept)) << "is not there";
