@@ -45,9 +45,10 @@ std::string_view shortName(std::string_view property) {
 const std::vector<const Tweak*>& allTweaks() {
   static const std::vector<const Tweak*> rows = [] {
     std::vector<const Tweak*> result;
-    for (const auto table : {optionRows(), desktopRows(), shellRows(), securityRows(),
-                             moreSecurityRows(), windows9xRows(), ntRows(), winTweaksIIRows(),
-                             nt4Win2KContRows(), ntServerRows(), drWatRows()}) {
+    for (const auto table :
+         {optionRows(), desktopRows(), shellRows(), securityRows(), moreSecurityRows(),
+          windows9xRows(), ntRows(), winTweaksIIRows(), nt4Win2KContRows(), ntServerRows(),
+          drWatRows(), officeRows(), jetFormatRows(), jetEngineRows()}) {
       for (const Tweak& row : table) result.push_back(&row);
     }
     return result;

@@ -127,6 +127,7 @@ class FormReader {
     const auto item = std::ranges::find(list.items(), text);
     list.ListIndex =
         item == list.items().end() ? -1 : static_cast<int>(item - list.items().begin());
+    if (list.ListIndex < 0 && list.style() == forms::ComboBox::Style::DropDown) list.Text = text;
   }
 
   forms::Form& form_;
@@ -137,8 +138,10 @@ class FormReader {
 
 }  // namespace
 
-void readIntoForm(forms::Form& form, Session& session, const std::function<void(int)>& progress) {
-  const std::vector<const Tweak*> rows = rowsOf(form);
+void readIntoForm(forms::Form& form, Session& session, const std::function<void(int)>& progress,
+                  const std::function<bool(const Tweak&)>& which) {
+  std::vector<const Tweak*> rows = rowsOf(form);
+  if (which) std::erase_if(rows, [&which](const Tweak* row) { return !which(*row); });
   FormReader reader(form, session);
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const auto after =

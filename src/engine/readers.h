@@ -78,8 +78,14 @@ std::string p_DetermineBrowserElection(const Tweak& tweak, foundation::Session& 
 
 // Sets the control of every row of the form to the machine's state and stores the state values.
 // Called with g_bNoRecord set. A row whose control the form does not have is left out. progress is
-// called with the percentage done, where given.
+// called with the percentage done, where given. which, where given, chooses the rows.
 void readIntoForm(forms::Form& form, foundation::Session& session,
-                  const std::function<void(int)>& progress = {});
+                  const std::function<void(int)>& progress = {},
+                  const std::function<bool(const Tweak&)>& which = {});
+
+// frmOffice: a value that is not 0, of rows that Jet reads so; the function behind a code.
+TweakState p_DetermineJetVals(const Tweak& tweak, foundation::Session& session);
+TweakState p_DetermineAsstRemove(const Tweak& tweak, foundation::Session& session);
+std::string p_DetermineAutoCalculate(const Tweak& tweak, foundation::Session& session);
 
 }  // namespace korvex::engine

@@ -50,6 +50,15 @@ class RegWorker {
   // server.cpp
   bool P_ServerMaxUsers(const Tweak& tweak);
   bool P_BrowserElection(const Tweak& tweak);
+  // office_values.cpp: a field whose text is the value, as number or text; an empty one writes
+  // byDefault. Out of range nothing comes here (ValueFields).
+  bool P_UpdateOfficeValues(const Tweak& tweak);
+  bool p_WriteJetChanges(const Tweak& tweak);
+  bool P_WriteAutoCalculate(const Tweak& tweak);
+  // The database engine's switches: always with a restart.
+  bool p_rwWriteJetVals(const Tweak& tweak);
+  // office_assistant.cpp
+  bool P_rwAsstRemove(const Tweak& tweak);
   // restrictions.cpp
   bool P_rwNoAdminShares(const Tweak& tweak);
   bool P_rwNoLogOff(const Tweak& tweak);
@@ -77,9 +86,12 @@ class RegWorker {
   bool p_rwWriteRegChanges(const Tweak& tweak);
   bool p_MakeTheRegChange(const Tweak& tweak, const foundation::Variant& value);
   bool writeKeepingPrevious(const Tweak& tweak, const foundation::Variant& value);
+  bool writeField(const Tweak& tweak);
   bool writeDefragEntry();
   bool removeDefragEntry();
   bool registerSupportProgram();
+  bool disableAssistant(const Tweak& tweak);
+  bool enableAssistant(const Tweak& tweak);
   // The tri-state of the tweak's check box (shownState); its form is loaded where it is not.
   int checkValue(const Tweak& tweak);
   // The text of the row's field; in restore-defaults mode the default.

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int kDigits = 10;  // what a 32-bit number needs
 constexpr int kLongestText = 255;
+constexpr std::size_t kLongColumn = 20;  // labels and fields
 
 }  // namespace
 
@@ -85,7 +86,9 @@ void TweakControls::makePair(const Tweak& tweak, Group& group) {
 
 forms::Control& TweakControls::ownField(const Tweak& tweak) {
   if (tweak.shape == ControlShape::ComboBox) {
-    auto& list = form_.own<forms::ComboBox>(std::string(tweak.control));
+    using Style = forms::ComboBox::Style;
+    auto& list = form_.own<forms::ComboBox>(std::string(tweak.control),
+                                            tweak.freeText ? Style::DropDown : Style::DropDownList);
     for (const std::string_view choice : tweak.choices) list.AddItem(std::string(choice));
     return list;
   }
@@ -108,7 +111,10 @@ void TweakControls::makeField(const Tweak& tweak, Group& group) {
 
 Layout TweakControls::layoutOf(Group& group) {
   if (!group.fields.empty()) {
-    group.parts.push_back(Layout::row({Layout::grid(2, std::move(group.fields)), Layout::space()}));
+    // Labels and fields; many of them in two columns, to fit on a small screen.
+    const int columns = group.fields.size() > kLongColumn ? 4 : 2;
+    group.parts.push_back(
+        Layout::row({Layout::grid(columns, std::move(group.fields)), Layout::space()}));
   }
   return Layout::group(std::string(group.title), std::move(group.parts));
 }

@@ -1,5 +1,7 @@
 // ValueFields: the fields and lists of a form that stand for a row's value. They leave no marker:
-// Apply runs the routines of those that differ from what was read.
+// Apply runs the routines of those that differ from what was read. A text that a field does not
+// take (letters, a number out of range) is told and taken back; a number that can still become one,
+// as the 6 of 64, when the field is left.
 #pragma once
 
 #include <functional>
@@ -21,14 +23,19 @@ class ValueFields {
   ValueFields(foundation::Session& session, RegWorker& regWorker,
               const std::vector<TweakControl>& controls, std::function<void()> edited);
 
-  // What the fields show now is what the machine has.
-  void load();
-  int changesWaiting() const;
+  using Which = std::function<bool(const Tweak&)>;  // an empty one: all
 
+  // What the fields show now is what the machine has.
+  void load(const Which& which = {});
+  int changesWaiting(const Which& which = {}) const;
+
+  enum class Order { OfRows, OfEdits };
   // Runs the routines of the fields that were edited since load, also those that an earlier Apply
-  // has written already. Either of those for numbers, or of all others.
-  std::vector<FailedRoutine> writeNumbers() { return write(true); }
-  std::vector<FailedRoutine> writeTexts() { return write(false); }
+  // has written already.
+  std::vector<FailedRoutine> write(const Which& which, Order order = Order::OfRows);
+  // Either those for numbers, or all others.
+  std::vector<FailedRoutine> writeNumbers();
+  std::vector<FailedRoutine> writeTexts();
 
  private:
   struct Field {
@@ -37,19 +44,21 @@ class ValueFields {
     std::string atStart = {};  // what start-up read
     std::string applied = {};  // what is written by now
     std::string valid = {};    // the last text that the field may hold
-    bool changed = false;
+    std::size_t changed = 0;   // the number of its first edit; 0 for none
 
     std::string text() const;
+    void show(const std::string& text) const;
   };
 
   void Change(Field& field);
-  void takeBack(Field& field);
-  void showWord(Field& field);
-  std::vector<FailedRoutine> write(bool numbers);
+  void LostFocus(Field& field);
+  void takeBack(Field& field, const std::string& text, std::string_view message);
+  void finishWritten(Field& field);
 
   foundation::Session& session_;
   RegWorker& regWorker_;
   std::vector<Field> fields_;
+  std::size_t edits_ = 0;
   std::function<void()> edited_;
 };
 

@@ -23,6 +23,9 @@ std::span<const Tweak> winTweaksIIRows();
 std::span<const Tweak> nt4Win2KContRows();
 std::span<const Tweak> ntServerRows();
 std::span<const Tweak> drWatRows();
+std::span<const Tweak> officeRows();
+std::span<const Tweak> jetFormatRows();
+std::span<const Tweak> jetEngineRows();
 
 // Keys that several rows share.
 constexpr std::string_view kConfigurationKey = "SOFTWARE\\Korvex\\Configuration";
