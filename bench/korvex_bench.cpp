@@ -44,7 +44,8 @@ class SilentPrompts : public platform::Prompts {
     return std::nullopt;
   }
   std::optional<std::string> pickFolder(std::string_view) override { return std::nullopt; }
-  std::optional<platform::FontChoice> pickFont(const platform::FontChoice&) override {
+  std::optional<platform::FontChoice> pickFont(const platform::FontChoice&,
+                                               std::string_view) override {
     return std::nullopt;
   }
   std::optional<std::uint32_t> pickColor(std::uint32_t) override { return std::nullopt; }

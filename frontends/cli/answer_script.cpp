@@ -3,7 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "cli/value_text.h"
@@ -125,11 +127,20 @@ std::optional<std::string> AnswerScript::pickFolder(std::string_view title) {
                     ScriptedAnswer::Kind::Folder);
 }
 
-// No step stands for these two yet.
-std::optional<platform::FontChoice> AnswerScript::pickFont(const platform::FontChoice&) {
-  fail("a font", "font");
-  return std::nullopt;
+// "Arial,10": name and points.
+std::optional<platform::FontChoice> AnswerScript::pickFont(const platform::FontChoice& current,
+                                                           std::string_view title) {
+  const auto answer =
+      askForText({std::string(title), std::string(title), "font", ""}, ScriptedAnswer::Kind::Font);
+  if (!answer) return std::nullopt;
+  const std::size_t comma = std::min(answer->rfind(','), answer->size());
+  platform::FontChoice font = current;
+  font.name = answer->substr(0, comma);
+  if (comma < answer->size()) font.points = std::atoi(answer->c_str() + comma + 1);
+  return font;
 }
+
+// No step stands for this one yet.
 
 std::optional<std::uint32_t> AnswerScript::pickColor(std::uint32_t) {
   fail("a colour", "colour");

@@ -13,7 +13,7 @@
 namespace korvex::cli {
 
 struct ScriptedAnswer {
-  enum class Kind { Button, Input, File, Folder };
+  enum class Kind { Button, Input, File, Folder, Font };
   Kind kind = Kind::Button;
   std::string text;  // "yes", "no", "ok", "cancel"; the input; the path
   std::string step;  // as it was typed, for messages
@@ -53,7 +53,8 @@ class AnswerScript : public platform::Prompts {
                                       std::string_view proposal) override;
   std::optional<std::string> pickFile(const platform::FileRequest& request) override;
   std::optional<std::string> pickFolder(std::string_view title) override;
-  std::optional<platform::FontChoice> pickFont(const platform::FontChoice& current) override;
+  std::optional<platform::FontChoice> pickFont(const platform::FontChoice& current,
+                                               std::string_view title) override;
   std::optional<std::uint32_t> pickColor(std::uint32_t current) override;
 
  private:

@@ -37,6 +37,7 @@ constexpr std::array kAnswers{
     AnswerRow{"input", ScriptedAnswer::Kind::Input},
     AnswerRow{"file", ScriptedAnswer::Kind::File},
     AnswerRow{"folder", ScriptedAnswer::Kind::Folder},
+    AnswerRow{"font", ScriptedAnswer::Kind::Font},
 };
 constexpr std::array<std::string_view, 4> kButtonWords{"yes", "no", "ok", "cancel"};
 

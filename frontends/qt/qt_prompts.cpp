@@ -153,7 +153,7 @@ std::optional<std::string> QtPrompts::pickFolder(std::string_view title) {
   return folderPicker(title);
 }
 
-std::optional<FontChoice> QtPrompts::pickFont(const FontChoice& current) {
+std::optional<FontChoice> QtPrompts::pickFont(const FontChoice& current, std::string_view title) {
   const ArrowCursor cursor;
   QFont font;
   if (!current.name.empty()) font.setFamily(toQt(current.name));
@@ -161,7 +161,7 @@ std::optional<FontChoice> QtPrompts::pickFont(const FontChoice& current) {
   font.setBold(current.bold);
   font.setItalic(current.italic);
   bool chosen = false;
-  font = QFontDialog::getFont(&chosen, font, windowInFront());
+  font = QFontDialog::getFont(&chosen, font, windowInFront(), toQt(title));
   if (!chosen) return std::nullopt;
   return FontChoice{fromQt(font.family()), font.pointSize(), font.bold(), font.italic()};
 }

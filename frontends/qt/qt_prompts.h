@@ -23,7 +23,8 @@ class QtPrompts : public platform::Prompts {
                                       std::string_view proposal) override;
   std::optional<std::string> pickFile(const platform::FileRequest& request) override;
   std::optional<std::string> pickFolder(std::string_view title) override;
-  std::optional<platform::FontChoice> pickFont(const platform::FontChoice& current) override;
+  std::optional<platform::FontChoice> pickFont(const platform::FontChoice& current,
+                                               std::string_view title) override;
   std::optional<std::uint32_t> pickColor(std::uint32_t current) override;
 
  private:

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/catalogue.h"
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
 
@@ -65,7 +66,7 @@ void TweakDialog::connectBox(forms::CheckBox& box, const engine::Tweak& tweak) {
         return;
       }
       parts_.pending.p_SetForApply(box, tweak.stateName, tweak.property, static_cast<int>(bank_),
-                                   false);
+                                   bank_ == engine::Bank::Office);
     });
   };
 }
@@ -125,11 +126,11 @@ void TweakDialog::disableFrames() {
 
 void TweakDialog::cmdApply_Click() {
   parts_.session.trace.enter(fmt::format("[{}.{}]", name(), applyRoutine()));
+  if (!mayApply()) return;
   Busy = true;
   auto failures = engine::applyBank(bank_, parts_.session, parts_.pending, parts_.regWorker);
-  for (const auto& written : {fields_.writeNumbers(), fields_.writeTexts()}) {
-    failures.insert(failures.end(), written.begin(), written.end());
-  }
+  const auto written = writeFields(fields_);
+  failures.insert(failures.end(), written.begin(), written.end());
   const std::vector<std::string> trouble = applyMore();
   cmdApply.Enabled = false;
   Busy = false;
@@ -137,6 +138,44 @@ void TweakDialog::cmdApply_Click() {
   if (!engine::finishApply(parts_.session, failures, trouble)) {
     cmdApply.Enabled = changesWaiting() > 0;
   }
+}
+
+std::vector<engine::FailedRoutine> TweakDialog::writeFields(engine::ValueFields& fields) {
+  auto failures = fields.writeNumbers();
+  const auto texts = fields.writeTexts();
+  failures.insert(failures.end(), texts.begin(), texts.end());
+  return failures;
+}
+
+bool TweakDialog::waits(const Which& which) const {
+  const std::vector<std::string> waiting = parts_.pending.waiting(bank_);
+  return fields_.changesWaiting(which) > 0 ||
+         std::ranges::any_of(waiting, [&which](const std::string& routine) {
+           const engine::Tweak* row = engine::findTweak(routine);
+           return row != nullptr && which(*row);
+         });
+}
+
+void TweakDialog::readRows(const Which& which) {
+  for (const std::string& routine : parts_.pending.waiting(bank_)) {
+    const engine::Tweak* row = engine::findTweak(routine);
+    if (row != nullptr && which(*row)) parts_.pending.discard(bank_, routine);
+  }
+  const bool noRecord = std::exchange(parts_.session.g_bNoRecord, true);
+  engine::readIntoForm(*this, parts_.session, {}, which);
+  parts_.session.g_bNoRecord = noRecord;
+  fields_.load(which);
+  cmdApply.Enabled = changesWaiting() > 0;
+  showStatus();
+}
+
+Layout TweakDialog::takeGroup(std::string_view title) {
+  std::vector<Layout>& groups = layout.parts.front().parts;
+  const auto group = std::ranges::find(groups, title, &Layout::title);
+  if (group == groups.end()) throw std::logic_error(name() + " has no group " + std::string(title));
+  Layout result = std::move(*group);
+  groups.erase(group);
+  return result;
 }
 
 void TweakDialog::edited() {

@@ -42,6 +42,11 @@ class TweakDialog : public forms::Form {
   // is disabled, with their reason. For constructors.
   void enclose(forms::Frame& frame);
 
+  // Asked before Apply does anything; false leaves everything waiting.
+  virtual bool mayApply() { return true; }
+  // Writes what stands in the fields, after the bank.
+  virtual std::vector<engine::FailedRoutine> writeFields(engine::ValueFields& fields);
+
   // Under which name Apply is traced: "[frmX.cmdApply]".
   virtual std::string_view applyRoutine() const { return cmdApply.name(); }
 
@@ -54,6 +59,15 @@ class TweakDialog : public forms::Form {
   virtual std::vector<std::string> applyMore() { return {}; }
   // To be called when something of it was changed by the person.
   void edited();
+
+  // For a choice of what some rows stand for: whether changes of them wait, and reading them again,
+  // which drops those.
+  using Which = std::function<bool(const engine::Tweak&)>;
+  bool waits(const Which& which) const;
+  void readRows(const Which& which);
+
+  // The group of that title, for a dialog that places its groups itself. For constructors.
+  forms::Layout takeGroup(std::string_view title);
 
   // Puts a part below what the group of that title has; a group of that title is made where there
   // is none. For constructors.

@@ -12,16 +12,29 @@ namespace korvex::engine {
 using foundation::Session;
 using platform::Status;
 
+namespace {
+
+// Nobody is asked or told while the change is open: nobody else could write meanwhile.
+Status change(Session& session, const std::function<Status()>& steps) {
+  platform::RegistryChange bracket(session.registry());
+  Status status = bracket.status();
+  if (status == platform::ERROR_SUCCESS) status = steps();
+  return status == platform::ERROR_SUCCESS ? bracket.commit() : status;
+}
+
+}  // namespace
+
 bool changeAtOnce(Session& session, std::string_view what, const std::function<Status()>& steps) {
-  Status status = platform::ERROR_SUCCESS;
-  {
-    platform::RegistryChange change(session.registry());
-    status = change.status();
-    if (status == platform::ERROR_SUCCESS) status = steps();
-    if (status == platform::ERROR_SUCCESS) status = change.commit();
-  }
-  // Nobody is asked or told while a change is open: nobody else could write meanwhile.
-  return finishAtOnce(session, what, status);
+  return finishAtOnce(session, what, change(session, steps));
+}
+
+bool changeOrTell(Session& session, std::string_view message, int icon,
+                  const std::function<Status()>& steps) {
+  const Status status = change(session, steps);
+  session.trace.dump("lRetVal&", status);
+  if (status == platform::ERROR_SUCCESS) return finishApply(session, {});
+  tell(session, message, icon);
+  return false;
 }
 
 bool finishAtOnce(Session& session, std::string_view what, Status status) {

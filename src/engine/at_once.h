@@ -18,6 +18,10 @@ namespace korvex::engine {
 bool changeAtOnce(foundation::Session& session, std::string_view what,
                   const std::function<platform::Status()>& steps);
 
+// The same where the window has a message of its own for a failure.
+bool changeOrTell(foundation::Session& session, std::string_view message, int icon,
+                  const std::function<platform::Status()>& steps);
+
 // The end of a change that had a bracket of its own: brings it to the disk, or tells why it failed.
 bool finishAtOnce(foundation::Session& session, std::string_view what, platform::Status status);
 

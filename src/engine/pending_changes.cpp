@@ -139,14 +139,16 @@ int PendingChanges::count() const {
 }
 
 void PendingChanges::discard(Bank bank) {
-  foundation::guarded(session_, "discard", [&] {
-    for (const std::string& routine : waiting(bank)) {
-      const Status status =
-          session_.regTool.DeleteRegNodes(HKLM, markerPath(static_cast<int>(bank), routine));
-      session_.trace.dump("lRetVal&", status);
-    }
-  });
+  for (const std::string& routine : waiting(bank)) discard(bank, routine);
   changed.raise();
+}
+
+void PendingChanges::discard(Bank bank, std::string_view routine) {
+  foundation::guarded(session_, "discard", [&] {
+    const Status status =
+        session_.regTool.DeleteRegNodes(HKLM, markerPath(static_cast<int>(bank), routine));
+    session_.trace.dump("lRetVal&", status);
+  });
 }
 
 void PendingChanges::p_FillLoadValues() {

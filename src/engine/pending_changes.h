@@ -35,6 +35,7 @@ class PendingChanges {
 
   // Takes a bank's markers away: what a dialog that closes did not apply.
   void discard(Bank bank);
+  void discard(Bank bank, std::string_view routine);
 
   // At start-up: what each option of bank 1 is now, for the way back.
   void p_FillLoadValues();

@@ -50,7 +50,7 @@ class Prompts {
   // Windows paths of the machine.
   virtual std::optional<std::string> pickFile(const FileRequest& request) = 0;
   virtual std::optional<std::string> pickFolder(std::string_view title) = 0;
-  virtual std::optional<FontChoice> pickFont(const FontChoice& current) = 0;
+  virtual std::optional<FontChoice> pickFont(const FontChoice& current, std::string_view title) = 0;
   // 0x00BBGGRR, as Windows keeps it.
   virtual std::optional<std::uint32_t> pickColor(std::uint32_t current) = 0;
 };

@@ -49,8 +49,10 @@ class ScriptedPrompts : public platform::Prompts {
     messages.push_back({std::string(title), 0, {}});
     return take(texts, title).value_or(std::nullopt);
   }
-  std::optional<platform::FontChoice> pickFont(const platform::FontChoice&) override {
-    return take(fonts, "a font").value_or(std::nullopt);
+  std::optional<platform::FontChoice> pickFont(const platform::FontChoice&,
+                                               std::string_view title) override {
+    messages.push_back({std::string(title), 0, {}});
+    return take(fonts, title).value_or(std::nullopt);
   }
   std::optional<std::uint32_t> pickColor(std::uint32_t) override {
     return take(colors, "a colour").value_or(std::nullopt);
