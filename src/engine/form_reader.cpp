@@ -24,6 +24,11 @@ std::string readerName(const Tweak& tweak) {
   for (const ReadStep& step : kReadingOrder) {
     if (step.property == tweak.property) return std::string(step.routine);
   }
+  for (const GroupReader& reader : kGroupReaders) {
+    if (tweak.bank == Bank::Office && reader.group == tweak.group) {
+      return std::string(reader.routine);
+    }
+  }
   constexpr std::string_view kPrefix = "P_rw";
   return fmt::format("p_Determine{}", tweak.property.substr(kPrefix.size()));
 }

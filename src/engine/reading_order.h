@@ -115,4 +115,24 @@ constexpr std::array kReadingOrder{
     ReadStep{"p_DetermineDrWatsonAppendOverwrite", "P_rwAppendToLogFile"},
 };
 
+// The rows of these groups are read by one routine each.
+struct GroupReader {
+  std::string_view group;
+  std::string_view routine;
+};
+
+constexpr std::array kGroupReaders{
+    GroupReader{"Microsoft Word", "p_DetermineWordValues"},
+    GroupReader{"Microsoft Excel", "p_DetermineExcelValues"},
+    // Reads as Word's does, and says so.
+    GroupReader{"Microsoft PowerPoint", "p_DetermineWordValues"},
+    GroupReader{"Office Assistant", "p_DetermineAssistantValues"},
+    GroupReader{"Journaling", "p_DetermineWordValues"},
+    GroupReader{"ENGINE INITIALIZATION SETTINGS", "p_DetermineJetEIS"},
+    GroupReader{"Text", "p_DetermineJetText"},
+    GroupReader{"Excel", "p_DetermineJetExcel"},
+    GroupReader{"ODBC", "p_DetermineJetODBC"},
+    GroupReader{"xBase", "p_DetermineJetXBase"},
+};
+
 }  // namespace korvex::engine

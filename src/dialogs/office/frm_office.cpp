@@ -12,6 +12,7 @@
 #include "engine/catalogue.h"
 #include "engine/numeral_field.h"
 #include "engine/office.h"
+#include "engine/reading_order.h"
 
 namespace korvex::dialogs {
 
@@ -54,18 +55,6 @@ platform::FontChoice fontIn(const std::string& text) {
   font.points = static_cast<int>(*points);
   return font;
 }
-
-// What a group's readers count is told under these names; PowerPoint's has Word's.
-struct GroupReader {
-  std::string_view group;
-  std::string_view reader;
-};
-constexpr std::array kReaders{
-    GroupReader{kWord, "p_DetermineWordValues"},
-    GroupReader{kExcel, "p_DetermineExcelValues"},
-    GroupReader{kPowerPoint, "p_DetermineWordValues"},
-    GroupReader{kAssistant, "p_DetermineAssistantValues"},
-};
 
 // What Restore Defaults writes, in this order.
 constexpr std::array<std::string_view, 6> kDefaulted{"P_DefSheets",          "P_DefFileMRU",
@@ -184,12 +173,13 @@ void frmOffice::readMore() {
   traceCounters();
 }
 
+// What each group's reader has read, in the trace.
 void frmOffice::traceCounters() {
-  for (const GroupReader& reader : kReaders) {
+  for (const engine::GroupReader& reader : engine::kGroupReaders) {
     const auto rows = std::ranges::count_if(engine::allTweaks(), [&reader](const Tweak* row) {
       return row->form == kName && row->group == reader.group;
     });
-    session().trace.enter(fmt::format("[{}]: iCnt%={}", reader.reader, rows));
+    session().trace.enter(fmt::format("[{}]: iCnt%={}", reader.routine, rows));
   }
 }
 
