@@ -13,7 +13,6 @@
 
 #include "engine/at_once.h"
 #include "engine/kept_values.h"
-#include "engine/modes.h"
 #include "engine/office.h"
 #include "engine/raw_value.h"
 #include "engine/readers.h"
@@ -202,13 +201,10 @@ bool RegWorker::enableAssistant(const Tweak& tweak) {
       !keep(putBackValue(session_, tweak, tweak.root, tweak.key, kAsstState, wasKept))) {
     return false;
   }
-  // Another program put them away, and nobody knows what the value was.
+  // Another program put them away, and nobody knows what the value was: without one Office shows
+  // the Assistant.
   const bool unknown = !wasKept && back.any && holds(state, Variant(kAssistantOff));
-  if (unknown && !(tweak.byDefault == kDelete
-                       ? remove(tweak.root, tweak.key, kAsstState)
-                       : write(tweak.root, tweak.key, kAsstState, variantOf(tweak.byDefault)))) {
-    return false;
-  }
+  if (unknown && !remove(tweak.root, tweak.key, kAsstState)) return false;
   if (!back.places.empty()) notify(kStay + back.places, platform::kIconInformation);
   return true;
 }

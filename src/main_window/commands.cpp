@@ -8,6 +8,7 @@
 #include "backup/config_set.h"
 #include "engine/at_once.h"
 #include "engine/folder_choice.h"
+#include "engine/office.h"
 #include "engine/readers.h"
 #include "foundation/error_handler.h"
 #include "main_window/options.h"
@@ -33,6 +34,8 @@ constexpr std::string_view kSpoolDirectory = "DefaultSpoolDirectory";
 constexpr std::string_view kSetup = "Software\\Microsoft\\Windows\\CurrentVersion\\Setup";
 constexpr std::string_view kSourcePath = "SourcePath";
 constexpr std::string_view kRegPath = "RegPath";
+
+constexpr const char* kOffice = "Tweaks";
 
 // Two beside each other: a page has to fit on a small screen.
 void addButton(std::vector<Layout>& parts, CommandButton& button) {
@@ -98,6 +101,12 @@ const std::vector<CommandButtons::Row>& CommandButtons::rows() {
        "Edits boot.ini and shows in which order drivers load", kEvery, 0, nullptr, "frmNTDebug"},
       {"cmdL2Cache", "L2 cache...", Page::NT4Win2K, "More",
        "Tells NT the size of the second-level cache", kNT, 0, nullptr, "frmL2Cache"},
+      {"cmdLoadfrmOffice", "Select for MS Office tweaks", Page::MSOffice, kOffice,
+       "Opens a window with settings of Word, Excel, PowerPoint, the Assistant and Jet", kEvery, 0,
+       nullptr, "frmOffice", engine::needsOffice},
+      {"cmdExcelMRUs", "Excel's recent files...", Page::MSOffice, kOffice,
+       "Shows what Excel lists as opened last, and takes entries away", kEvery, 0, nullptr,
+       "frmMRUs", engine::needsOffice},
       {"cmdBrowse", "Bro&wse...", Page::Registry, "Saved settings",
        "Chooses the folder of saved registry settings", kEvery, 0, &B::cmdBrowse_Click},
   };
@@ -164,8 +173,10 @@ std::vector<Layout> CommandButtons::groups(Page page) {
 void CommandButtons::load() {
   for (const Row& row : rows()) {
     if (!exists(row)) continue;
-    const engine::Tweak facts{
-        .property = {}, .families = row.families, .needsDesktopUpdate = row.needsDesktopUpdate};
+    const engine::Tweak facts{.property = {},
+                              .families = row.families,
+                              .needsDesktopUpdate = row.needsDesktopUpdate,
+                              .lacks = row.lacks};
     const engine::TweakState state = engine::availability(facts, session_);
     if (state.kind != engine::TweakState::Kind::Unavailable) continue;
     auto& button = *form_.find<CommandButton>(row.name);

@@ -40,7 +40,8 @@ class CommandButtons : public PageSection {
     engine::Families families;
     engine::Families needsDesktopUpdate;
     void (CommandButtons::*handler)();
-    const char* opens = nullptr;  // the window, instead of a handler
+    const char* opens = nullptr;        // the window, instead of a handler
+    engine::Condition lacks = nullptr;  // why this machine cannot have it, beyond its Windows
   };
   static const std::vector<Row>& rows();
 

@@ -88,9 +88,9 @@ frmMain::frmMain(foundation::Session& session, engine::RegWorker& regWorker,
 
 void frmMain::makeSections(forms::FormBook& formBook, const BackupParts& backup,
                            protection::ProgramPassword& password) {
+  sections_.push_back(std::make_unique<OfficePage>(*this, session_));
   sections_.push_back(std::make_unique<CommandButtons>(*this, session_, formBook));
   sections_.push_back(std::make_unique<BootOptions>(*this, session_, [this] { edited(); }));
-  sections_.push_back(std::make_unique<OfficePage>(*this, session_));
   auto registryPage = std::make_unique<RegistryPage>(
       *this, session_, formBook, backup,
       RegistryPage::Hooks{[this] { return changesWaiting(); }, [this] { readAgain(); }});

@@ -20,6 +20,9 @@
 #include "dialogs/nt/frm_nt_debug.h"
 #include "dialogs/nt/frm_nt_heap_size.h"
 #include "dialogs/nt/frm_nt_server.h"
+#include "dialogs/office/frm_mrus.h"
+#include "dialogs/office/frm_office.h"
+#include "dialogs/office/running_applications.h"
 #include "dialogs/shell/frm_fa.h"
 #include "dialogs/system/frm_fast_file_access.h"
 #include "dialogs/system/frm_more_security.h"
@@ -55,6 +58,7 @@ constexpr std::array kDialogs{
               make<dialogs::frmNT4_Win2KCont>},
     DialogRow{{dialogs::frmNTServer::kName, "Server settings of NT"}, make<dialogs::frmNTServer>},
     DialogRow{{dialogs::frmDrWat::kName, "Dr. Watson of NT"}, make<dialogs::frmDrWat>},
+    DialogRow{{dialogs::frmOffice::kName, "Word, Excel, PowerPoint, the Assistant and Jet"}},
     DialogRow{{dialogs::frmPathSelecter::kName, "The folder picker"}},
     DialogRow{{dialogs::frmLogin::kName, "Asks for the password of Korvex"}},
     DialogRow{{dialogs::frmPassword::kName, "Sets the password of Korvex"}},
@@ -74,6 +78,7 @@ constexpr std::array kDialogs{
     DialogRow{{dialogs::frmLogon_Bitmap::kName, "The bitmap behind the logon prompt of NT"}},
     DialogRow{{dialogs::frmIPAddresses::kName, "Further IP addresses of Windows 9x"},
               make<dialogs::frmIPAddresses>},
+    DialogRow{{dialogs::frmMRUs::kName, "Excel's recent files"}, make<dialogs::frmMRUs>},
     DialogRow{{dialogs::frmFA::kName, "File associations"}},
     DialogRow{{dialogs::frmRestore::kName, "What a restore would change"}},
     DialogRow{{dialogs::frmAbout::kName, "Version and machine"}},
@@ -102,6 +107,9 @@ Program::Program(platform::Machine& machine, platform::Prompts& prompts, StartOp
       password_(session_.regTool, passwordHash_),
       regWorker_(session_, formBook_),
       pendingChanges_(session_, formBook_) {
+  pendingChanges_.p_CheckForLoadedAppsRestore = [this] {
+    return dialogs::p_CheckForLoadedAppsRestore(session_);
+  };
   formBook_.add(std::string(kMainWindow), [this, options] {
     return std::make_unique<frmMain>(session_, regWorker_, pendingChanges_, formBook_,
                                      main_window::BackupParts{registryBacker_, restoreDesk_},
@@ -115,6 +123,9 @@ void Program::addDialogs(const dialogs::DialogParts& parts) {
     if (row.make == nullptr) continue;
     formBook_.add(std::string(row.form.name), [parts, &row] { return row.make(parts); });
   }
+  formBook_.add(dialogs::frmOffice::kName, [this, parts] {
+    return std::make_unique<dialogs::frmOffice>(parts, registryBacker_);
+  });
   formBook_.add(dialogs::frmFA::kName, [this] {
     return std::make_unique<dialogs::frmFA>(session_, formBook_, registryBacker_, restoreDesk_);
   });
