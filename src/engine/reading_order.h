@@ -12,7 +12,7 @@ struct ReadStep {
   std::string_view property;
 };
 
-constexpr std::array kReadingOrder{
+inline constexpr std::array kReadingOrder{
     ReadStep{"p_DetermineStartMenu", "P_rwStartMenuSpeed"},
     ReadStep{"p_DetermineControlPanel_Printers_History", "P_rwControlPanel"},
     ReadStep{"p_DetermineControlPanel_Printers_History", "P_rwPrinters"},
@@ -121,7 +121,7 @@ struct GroupReader {
   std::string_view routine;
 };
 
-constexpr std::array kGroupReaders{
+inline constexpr std::array kGroupReaders{
     GroupReader{"Microsoft Word", "p_DetermineWordValues"},
     GroupReader{"Microsoft Excel", "p_DetermineExcelValues"},
     // Reads as Word's does, and says so.
