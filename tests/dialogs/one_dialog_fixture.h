@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,13 +34,21 @@ class RefusingRegistry : public platform::ForwardingRegistry {
   std::string refused;  // the value's name
 };
 
+// Which programs have a window open, by its class.
+struct OpenWindows : platform::Windows {
+  bool FindWindowA(std::string_view className, std::string_view) override {
+    return classes.contains(std::string(className));
+  }
+  std::set<std::string> classes;
+};
+
 template <typename Dialog>
 class OneDialogTest : public testing::Test {
  public:
   explicit OneDialogTest(const std::string& sample = "windows-2000")
       : machine(sample),
         refusing(machine.registry()),
-        composed(machine.get(), {.registry = &refusing}),
+        composed(machine.get(), {.registry = &refusing, .windows = &windows}),
         session(composed, prompts),
         worker(session, book),
         pending(session, book) {
@@ -70,6 +79,7 @@ class OneDialogTest : public testing::Test {
 
   test::TestMachine machine;
   RefusingRegistry refusing;
+  OpenWindows windows;
   platform::ComposedMachine composed;
   test::ScriptedPrompts prompts;
   foundation::Session session;

@@ -149,7 +149,15 @@ void frmOffice::disableWithoutOffice() {
 }
 
 void frmOffice::Unload() {
-  trap("Form_Unload", [this] { jet_.end(); });
+  trap("Form_Unload", [this] {
+    jet_.end();
+    // The whole bank: nothing of it is anybody else's.
+    const std::string_view bank = engine::bankKey(engine::Bank::Office);
+    if (platform::OpenKey(session().registry(), engine::HKLM, bank, platform::KEY_QUERY_VALUE)
+            .status() == platform::ERROR_SUCCESS) {
+      session().trace.dump("lRetVal&", session().regTool.DeleteRegNodes(engine::HKLM, bank));
+    }
+  });
   TweakDialog::Unload();
 }
 

@@ -16,6 +16,7 @@ struct MachineParts {
   InitFiles* initFiles = nullptr;
   Processes* processes = nullptr;
   Restart* restart = nullptr;
+  Windows* windows = nullptr;
 };
 
 class ComposedMachine : public Machine {
@@ -32,7 +33,7 @@ class ComposedMachine : public Machine {
     return parts_.processes ? *parts_.processes : inner_.processes();
   }
   Restart& restart() override { return parts_.restart ? *parts_.restart : inner_.restart(); }
-  Windows& windows() override { return inner_.windows(); }
+  Windows& windows() override { return parts_.windows ? *parts_.windows : inner_.windows(); }
   MachineDescription describe() override { return inner_.describe(); }
   std::unique_ptr<InstanceClaim> claimInstance(Wait wait) override {
     return inner_.claimInstance(wait);
