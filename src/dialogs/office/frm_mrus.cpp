@@ -205,9 +205,10 @@ bool frmMRUs::write(const Entries& remaining) {
     tell("Operation failed.", kIconCritical);
     return false;
   }
-  if (!engine::finishAtOnce(session(), "Excel's list of recent files", status)) return false;
   const std::size_t removed = shown_.size() - remaining.size();
+  const bool finished = engine::finishAtOnce(session(), "Excel's list of recent files", status);
   readAgain();
+  if (!finished) return false;
   StatusText = fmt::format("{} removed from the list.{}", counted(removed),
                            excelIsRunning(session())
                                ? " Excel is running: it writes its own list when it is closed."
