@@ -13,6 +13,7 @@
 #include "cli/steps.h"
 #include "cli/tweak_json.h"
 #include "cli/tweak_names.h"
+#include "dialogs/office/running_applications.h"
 #include "engine/readers.h"
 #include "engine/tweak_controls.h"
 #include "platform/text/text.h"
@@ -177,7 +178,22 @@ void applyDefaults(ScriptProgram& script, std::vector<Wish>& wishes, const Answe
   }
 }
 
+// A box of frmOffice asks by itself when it is clicked; default clicks none.
+void refuseWhileOfficeRuns(ScriptProgram& script, const std::vector<Wish>& wishes) {
+  const auto wish = std::find_if(wishes.begin(), wishes.end(), [](const Wish& each) {
+    return each.byDefault && each.tweak->bank == engine::Bank::Office;
+  });
+  if (wish == wishes.end()) return;
+  const auto running = dialogs::runningOfficeApplications(script.program().session());
+  if (running.empty()) return;
+  throw Failure(ExitCode::Busy, "office-running",
+                fmt::format("{} could not be set to 'default' while applications of Office are "
+                            "running. Close these first: {}. Nothing was changed.",
+                            wish->tweak->property, fmt::join(running, ", ")));
+}
+
 void apply(ScriptProgram& script, std::vector<Wish>& wishes, const AnswerScript& prompts) {
+  refuseWhileOfficeRuns(script, wishes);
   std::vector<std::string_view> formNames;
   for (const Wish& wish : wishes) {
     const auto known = std::find(formNames.begin(), formNames.end(), wish.tweak->form);
@@ -297,7 +313,8 @@ void addSetCommand(CLI::App& app, Run& run) {
       "\n"
       "grey writes what a greyed box stands for, where a tweak has that state; default writes the\n"
       "Windows default. Either all of it is done or nothing. A tweak that asks something needs an\n"
-      "answer for each question: yes, no, ok, cancel, input=TEXT, file=PATH or folder=PATH.");
+      "answer for each question: yes, no, ok, cancel, input=TEXT, file=PATH, folder=PATH or "
+      "font=NAME,POINTS.");
   command
       ->add_option("TWEAK=STATE", options->wishes,
                    "Property name, also without P_rw, and on, off, grey or default; for a field "
