@@ -38,10 +38,13 @@ bool isMultiLine(const Part& part) {
 
 // Whether a part has a use for height that is left over; where none has, it stays free below them.
 bool wantsHeight(const Part& part) {
-  return any(part, [](const Part& inner) {
-    if (inner.kind == Kind::Space || inner.kind == Kind::Pages) return true;
-    if (inner.kind != Kind::Control || inner.control == nullptr) return false;
-    return inner.control->kind() == ControlKind::ListBox || isMultiLine(inner);
+  if (part.kind == Kind::Space || part.kind == Kind::Pages) return true;
+  if (part.kind == Kind::Control && part.control != nullptr) {
+    return part.control->kind() == ControlKind::ListBox || isMultiLine(part);
+  }
+  // The room that a row leaves is beside its parts, not below them.
+  return std::any_of(part.parts.begin(), part.parts.end(), [&part](const Part& inner) {
+    return !(part.kind == Kind::Row && inner.kind == Kind::Space) && wantsHeight(inner);
   });
 }
 

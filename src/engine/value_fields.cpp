@@ -106,8 +106,9 @@ void ValueFields::Change(Field& field) {
   if (field.changed != 0) edited_();
 }
 
+// What the machine holds may be out of range: only what was typed is told.
 void ValueFields::LostFocus(Field& field) {
-  if (!inRange(*field.tweak, field.text())) {
+  if (field.text() != field.applied && !inRange(*field.tweak, field.text())) {
     takeBack(field, field.applied, field.tweak->rangeText);
   }
 }
@@ -139,7 +140,7 @@ std::vector<FailedRoutine> ValueFields::write(const Which& which, Order order) {
   std::vector<FailedRoutine> failures;
   for (Field* field : edited) {
     const Tweak& row = *field->tweak;
-    if (!inRange(row, field->text())) {
+    if (field->text() != field->applied && !inRange(row, field->text())) {
       takeBack(*field, field->applied, row.skipText.empty() ? row.rangeText : row.skipText);
     } else if (regWorker_.call(row.property)) {
       finishWritten(*field);
