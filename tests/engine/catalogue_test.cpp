@@ -9,8 +9,11 @@
 #include <map>
 #include <set>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "engine/modes.h"
+#include "engine/readers.h"
 #include "engine/reg_worker.h"
 #include "forms/control.h"
 
@@ -48,7 +51,14 @@ constexpr std::array kGivenEndings{
     GivenEnding{"frmNTServer", "txtMaxServerUsers",
                 "...default is dependent on licenses purchased...reboot required"},
     GivenEnding{"frmNTServer", "", "...default is unchecked...reboot required"},
+    GivenEnding{"frmOffice", "txtExcelUserName", "...default is that of Office"},
 };
+
+// What a field shows where the machine has no value.
+std::string defaultOf(const Tweak& tweak) {
+  return tweak.byDefault.kind == RowValue::Kind::Number ? std::to_string(tweak.byDefault.number)
+                                                        : std::string(tweak.byDefault.text);
+}
 
 // How its tool tip has to end.
 std::string toolTipEnding(const Tweak& tweak) {
@@ -64,10 +74,12 @@ std::string toolTipEnding(const Tweak& tweak) {
   } else if (tweak.shape == ControlShape::OptionPair) {
     ending += "is to append";  // the one that there is
   } else if (isField(tweak)) {
-    ending += fmt::format("is {}", tweak.byDefault.text);
+    ending += fmt::format("is {}", defaultOf(tweak));
   } else {
     // Its routine restores the browser's own pictures.
-    const bool on = tweak.special == &RegWorker::p_rwToolbarBitmaps || checkedIsDefault(tweak);
+    bool on = tweak.special == &RegWorker::p_rwToolbarBitmaps || checkedIsDefault(tweak);
+    // The database engine takes any number but 0 for a yes.
+    if (tweak.reader == p_DetermineJetVals) on = tweak.byDefault.number != 0;
     ending += on ? "is checked" : "is unchecked";
   }
   if (tweak.reboot) ending += "...restart required";
@@ -163,6 +175,33 @@ TEST(Catalogue, EveryRowSaysWhereItStandsAndWhatItWrites) {
   }
 }
 
+// "The valid range for this setting is 64 - 2047."
+TEST(Catalogue, AFieldWithARangeTellsItAndHasItsDefaultInIt) {
+  int ranges = 0;
+  for (const Tweak* tweak : allTweaks()) {
+    SCOPED_TRACE(tweak->property);
+    if (tweak->rangeText.empty()) {
+      EXPECT_TRUE(tweak->lowest == 0 && tweak->highest == 0 && tweak->skipText.empty())
+          << "a range that nobody is told of is not kept to";
+      continue;
+    }
+    ++ranges;
+    EXPECT_TRUE(tweak->digitsOnly) << "only a number has a range";
+    EXPECT_LT(tweak->lowest, tweak->highest);
+    const auto byDefault = static_cast<std::uint32_t>(tweak->byDefault.number);
+    EXPECT_TRUE(tweak->byDefault.kind == RowValue::Kind::Number && byDefault >= tweak->lowest &&
+                byDefault <= tweak->highest)
+        << "an empty field writes the default";
+    for (const std::string_view told : {tweak->rangeText, tweak->skipText}) {
+      if (told.empty()) continue;
+      for (const std::uint32_t end : {tweak->lowest, tweak->highest}) {
+        EXPECT_NE(std::string_view::npos, told.find(std::to_string(end))) << told;
+      }
+    }
+  }
+  EXPECT_GE(ranges, 5);
+}
+
 // "Removes Run from the Start menu...default is unchecked...restart required"
 TEST(Catalogue, CaptionsAndToolTipsKeepToTheirForm) {
   for (const Tweak* tweak : allTweaks()) {
@@ -173,7 +212,7 @@ TEST(Catalogue, CaptionsAndToolTipsKeepToTheirForm) {
     const std::size_t most = tweak->form == "frmMain" ? 60 : 80;
     EXPECT_TRUE(caption.size() >= 5 && caption.size() <= most)
         << "5 to " << most << " characters: " << caption;
-    EXPECT_TRUE(std::isupper(static_cast<unsigned char>(caption[0])));
+    EXPECT_TRUE(std::isupper(static_cast<unsigned char>(caption[0])) || caption == "3-D dialogs");
     EXPECT_LE(tweak->toolTip.size(), 160U) << "a tool tip is read at a glance";
     const std::string ending = toolTipEnding(*tweak);
     EXPECT_TRUE(tweak->toolTip.ends_with(ending)) << "end the tool tip with " << ending;
@@ -182,21 +221,29 @@ TEST(Catalogue, CaptionsAndToolTipsKeepToTheirForm) {
   }
 }
 
+// The letters of a window's own tabs and buttons.
+std::string_view lettersOfWindow(std::string_view form) {
+  if (form == "frmOffice") return "wxpsjcrad";
+  return form == "frmMain" ? "abders" : "ad";
+}
+
 TEST(Catalogue, MnemonicsAreUniqueOnAPage) {
   // The captions of these dialogs are given, and share some letters.
   std::map<std::string_view, int> shared{{"frmMoreSecurity", 11}, {"frmWinTweaksII", 1}};
-  std::map<std::pair<std::string_view, Page>, std::map<char, std::string_view>> used;
+  // Of frmOffice one group is shown at a time; the captions of Jet's are given, without letters.
+  using Shown = std::tuple<std::string_view, Page, std::string_view>;
+  std::map<Shown, std::map<char, std::string_view>> used;
   for (const Tweak* tweak : allTweaks()) {
     for (const std::string_view caption : {tweak->caption, tweak->otherCaption}) {
       const char mnemonic = mnemonicOf(caption);
       if (mnemonic == 0) continue;
+      const std::string_view group = tweak->form == "frmOffice" ? tweak->group : "";
       const auto [there, isNew] =
-          used[{tweak->form, tweak->page}].try_emplace(mnemonic, tweak->property);
+          used[{tweak->form, tweak->page, group}].try_emplace(mnemonic, tweak->property);
       EXPECT_TRUE(isNew || shared[tweak->form]-- > 0)
           << tweak->property << " and " << there->second << " share '" << mnemonic
           << "': move or drop the &";
-      const std::string_view taken = tweak->form == "frmMain" ? "abders" : "ad";
-      EXPECT_EQ(std::string_view::npos, taken.find(mnemonic))
+      EXPECT_EQ(std::string_view::npos, lettersOfWindow(tweak->form).find(mnemonic))
           << tweak->property << ": '" << mnemonic << "' belongs to the window's buttons";
     }
   }

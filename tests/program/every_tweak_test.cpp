@@ -34,12 +34,20 @@ using test::ExpectedLine;
 using test::ExpectedTweak;
 using What = ExpectedLine::What;
 
+// Which settings of Jet are meant: those of the newest for all programs, Access's own, or those of
+// an older Jet that is also there.
+enum class Jet { Newest, OfAccess, Older };
+
 struct Sample {
   const char* id;
   char letter;
   std::optional<test::RealKind> real = std::nullopt;  // none: the embedded machine
+  Jet jet = Jet::Newest;
 };
-void PrintTo(const Sample& sample, std::ostream* out) { *out << sample.id; }
+void PrintTo(const Sample& sample, std::ostream* out) {
+  constexpr std::array kJets{"", ", Access alone", ", an older Jet"};
+  *out << sample.id << kJets.at(static_cast<std::size_t>(sample.jet));
+}
 
 std::unique_ptr<test::SomeMachine> machineFor(const Sample& sample) {
   if (!sample.real) return std::make_unique<test::TestMachine>(std::string(sample.id));
@@ -59,8 +67,19 @@ std::string folded(std::string text) {
   return text;
 }
 
+const std::string kOlderJet = "HKLM\\Software\\Microsoft\\Jet\\3.0\\Engines";
+
+test::ExpectedTweaks::Names jetNames(const Sample& sample) {
+  if (sample.jet == Jet::Older) return {{"$Jet", kOlderJet}, {"$Engine", "JET 3.X"}};
+  if (sample.jet == Jet::Newest) return {};
+  const bool is97 = sample.letter == '8' || sample.letter == '4';
+  return {{"$Jet", is97 ? "HKLM\\Software\\Microsoft\\Access\\8.0\\Jet\\3.5\\Engines"
+                        : "HKLM\\Software\\Microsoft\\Access\\9.0\\Jet\\4.0\\Engines"}};
+}
+
 test::ExpectedTweaks expectedFor(const Sample& sample) {
-  return {std::filesystem::path(__FILE__).parent_path() / "expected", sample.id, sample.letter};
+  return {std::filesystem::path(__FILE__).parent_path() / "expected", sample.id, sample.letter,
+          jetNames(sample)};
 }
 
 class EveryTweak : public testing::TestWithParam<Sample> {
@@ -83,7 +102,9 @@ class EveryTweak : public testing::TestWithParam<Sample> {
     ASSERT_EQ(StartResult::Started, program_->start());
     ASSERT_EQ(0, testing::UnitTest::GetInstance()->current_test_info()->result()->Failed());
   }
-  void TearDown() override { program_->finish(); }
+  void TearDown() override {
+    if (program_) program_->finish();
+  }
 
   void putFile(const std::string& path, const std::string& content) {
     machine_.files().createFolder(path.substr(0, path.rfind('\\')));
@@ -149,6 +170,10 @@ class EveryTweak : public testing::TestWithParam<Sample> {
     }
     form.applyButton()->press();
   }
+  // A field that was edited is written by each Apply of its window, until that is closed.
+  void closeWindowOf(const Tweak& row) {
+    EXPECT_TRUE(row.form == "frmMain" || program_->formBook().unload(row.form));
+  }
 
   void expectLines(const ExpectedTweak& tweak, const std::vector<std::string>& fresh, Step step) {
     for (std::size_t i = 0; i < tweak.lines.size(); ++i) {
@@ -194,9 +219,10 @@ class EveryTweak : public testing::TestWithParam<Sample> {
     if (tweak.bank == 0) return;
     EXPECT_EQ(tweak.reboot.value_or(session.g_bRebootNeeded), session.g_bRebootNeeded);
     EXPECT_FALSE(view_.hasKey(marker(tweak)));
-    const bool on = std::ranges::all_of(tweak.lines, [&](const ExpectedLine& line) {
-      return line.states.at(step) == line.states[Checked];
-    });
+    const bool on = (step == ByDefault && tweak.onByDefault) ||
+                    std::ranges::all_of(tweak.lines, [&](const ExpectedLine& line) {
+                      return line.states.at(step) == line.states[Checked];
+                    });
     EXPECT_EQ(on ? TweakState::Kind::On : TweakState::Kind::Off,
               engine::readState(row, session).kind);
   }
@@ -227,6 +253,7 @@ class EveryTweak : public testing::TestWithParam<Sample> {
       }
       EXPECT_EQ(before, neighbours(tweak));
     }
+    if (tweak.typed) closeWindowOf(row);
   }
 
   // The file system of a real machine's drive is that of the test's own host.
@@ -264,6 +291,8 @@ class EveryTweak : public testing::TestWithParam<Sample> {
     });
   }
 
+  void sweepAll();
+
   std::unique_ptr<test::SomeMachine> owner_ = machineFor(GetParam());
   platform::Machine& machine_ = owner_->get();
   test::ExpectedTweaks expected_;
@@ -272,10 +301,10 @@ class EveryTweak : public testing::TestWithParam<Sample> {
   std::unique_ptr<Program> program_;
 };
 
-TEST_P(EveryTweak, WritesWhatTheDocumentsSayAndNothingElse) {
+void EveryTweak::sweepAll() {
   // One change of the machine, or thousands of small ones would each wait for the disk.
   platform::RegistryChange change(machine_.registry());
-  // Fields last: once edited, they are written by every Apply of the main window.
+  // Fields last: those of the main window are written by every Apply once they were edited.
   std::stable_partition(expected_.tweaks.begin(), expected_.tweaks.end(),
                         [](const ExpectedTweak& tweak) { return !tweak.typed; });
   const auto before = wholeRegistry();
@@ -301,6 +330,32 @@ TEST_P(EveryTweak, WritesWhatTheDocumentsSayAndNothingElse) {
   for (const auto& [path, data] : after) EXPECT_TRUE(isExpected(path)) << path << " is new";
 }
 
+TEST_P(EveryTweak, WritesWhatTheDocumentsSayAndNothingElse) { sweepAll(); }
+
+// The same with the rows of Jet alone.
+class EveryTweakOfJet : public EveryTweak {
+ protected:
+  void SetUp() override {
+    const std::string jet = jetNames(GetParam()).at(0).second;
+    std::erase_if(expected_.tweaks, [&jet](const ExpectedTweak& tweak) {
+      return tweak.lines.empty() || !tweak.lines[0].key.starts_with(jet);
+    });
+    ASSERT_GT(expected_.tweaks.size(), 40U);
+    const std::string options = "HKLM\\SOFTWARE\\Korvex\\Configuration";
+    if (GetParam().jet == Jet::OfAccess) {
+      view_.put(options, "JetGlobal", "dword 0");
+    } else {
+      view_.put(options, "JetVersion", "\"3.0\"");
+      for (const char* engine : {"Jet 3.x", "Text", "Excel", "ODBC", "Xbase"}) {
+        view_.put(kOlderJet + '\\' + engine, "win32", "\"jet30.dll\"");
+      }
+    }
+    EveryTweak::SetUp();
+  }
+};
+
+TEST_P(EveryTweakOfJet, WritesWhereItIsMeant) { sweepAll(); }
+
 INSTANTIATE_TEST_SUITE_P(Samples, EveryTweak,
                          testing::Values(Sample{"windows-95", '5'}, Sample{"windows-98", '8'},
                                          Sample{"windows-me", 'M'}, Sample{"windows-nt4", '4'},
@@ -322,6 +377,23 @@ INSTANTIATE_TEST_SUITE_P(WindowsFolders, EveryTweak,
                          testing::Values(Sample{"windows-nt4", '4', kFolder},
                                          Sample{"windows-2000", '2', kFolder},
                                          Sample{"windows-2000-server", '2', kFolder}));
+
+std::vector<Sample> samplesWithJet() {
+  const std::array<std::optional<test::RealKind>, 3> kinds{std::nullopt, kPrefix, kFolder};
+  std::vector<Sample> result;
+  for (const Jet jet : {Jet::OfAccess, Jet::Older}) {
+    for (const std::optional<test::RealKind> real : kinds) {
+      for (const Sample& sample : {Sample{"windows-98", '8'}, Sample{"windows-me", 'M'},
+                                   Sample{"windows-nt4", '4'}, Sample{"windows-2000", '2'}}) {
+        const bool isNt = sample.letter == '4' || sample.letter == '2';
+        if (real != kFolder || isNt) result.push_back({sample.id, sample.letter, real, jet});
+      }
+    }
+  }
+  return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryKind, EveryTweakOfJet, testing::ValuesIn(samplesWithJet()));
 
 TEST(ExpectedTweaks, NameEveryRowOfTheCatalogueOnce) {
   std::multiset<std::string> expected;

@@ -11,6 +11,7 @@
 //   says ...                         beginning of the message that follows the checked box
 //   refused @where ...               the click is taken back there, with a message that begins so
 //   type "on" | "off"                what is typed into a field, or chosen of a list
+//   on by default                    by default the box is checked, though it writes something else
 //   @where | value | checked | unchecked | by default
 //   @where key | there | gone | gone        the key itself; its values are not looked at
 //   @where file path | "content" | folder | delete
@@ -53,13 +54,18 @@ struct ExpectedTweak {
   std::string says;
   std::string refused;
   std::optional<std::array<std::string, 2>> typed;
+  bool onByDefault = false;
 };
 
 class ExpectedTweaks {
  public:
-  // All files of a folder, as they are for one sample ("windows-98"), whose letter is '8'.
-  ExpectedTweaks(const std::filesystem::path& folder, std::string sample, char letter)
-      : sample_(std::move(sample)), letter_(letter) {
+  using Names = std::vector<std::pair<std::string, std::string>>;
+
+  // All files of a folder, as they are for one sample ("windows-98"), whose letter is '8'. Of a
+  // name that is given, what the files let it be does not count.
+  ExpectedTweaks(const std::filesystem::path& folder, std::string sample, char letter,
+                 Names names = {})
+      : sample_(std::move(sample)), letter_(letter), names_(std::move(names)) {
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
       files.push_back(entry.path());
@@ -125,7 +131,7 @@ class ExpectedTweaks {
     if (line.empty() || line.starts_with('#')) return;
     if (take(line, "let ")) return readName(line);
     if (line.starts_with('[')) {
-      key_ = line.substr(1, line.rfind(']') - 1);
+      key_ = filledIn(line.substr(1, line.rfind(']') - 1));
       return;
     }
     if (line.starts_with("P_")) return readHead(line);
@@ -136,6 +142,8 @@ class ExpectedTweaks {
       tweak.answer = line == "yes";
     } else if (take(line, "refused ")) {
       if (takeWhere(line)) tweak.refused = line;
+    } else if (line == "on by default") {
+      tweak.onByDefault = true;
     } else if (take(line, "type ")) {
       const auto texts = parts(line);
       tweak.typed = {unquoted(texts.at(0)), unquoted(texts.at(1))};
@@ -205,7 +213,7 @@ class ExpectedTweaks {
   std::string sample_;
   char letter_;
   std::string key_;
-  std::vector<std::pair<std::string, std::string>> names_;
+  Names names_;
 };
 
 }  // namespace korvex::test
