@@ -86,6 +86,13 @@ bool isJetEngine(std::string_view engine) {
                              [engine](std::string_view name) { return sameName(name, engine); });
 }
 
+bool jetMayBeChanged(Session& session) {
+  RawValue modify;
+  const platform::Status status =
+      readRawValue(session.registry(), HKLM, kConfigurationKey, "JetModify", modify);
+  return status != platform::ERROR_SUCCESS || modify.number(1) != 0;
+}
+
 bool jetIsGlobal(Session& session) {
   if (session.jet.global) return *session.jet.global;
   RawValue global;
@@ -129,14 +136,16 @@ void keyOfEngine(Tweak& row, Session& session) {
 
 std::string_view needsFormat(const Tweak& row, Session& session) {
   if (session.g_iOfficeVer == 0) return kOnlyOffice97And2000;
-  return hasEngine(session, lastPart(row.key))
-             ? ""
-             : "The Jet engine of this machine has no such format.";
+  if (!hasEngine(session, lastPart(row.key))) {
+    return "The Jet engine of this machine has no such format.";
+  }
+  return jetMayBeChanged(session) ? "" : kJetIsKept;
 }
 
 std::string_view needsEngine(const Tweak&, Session& session) {
   if (session.g_iOfficeVer == 0) return kOnlyOffice97And2000;
-  return jetEngine(session).empty() ? "There is no Jet database engine on this machine." : "";
+  if (jetEngine(session).empty()) return "There is no Jet database engine on this machine.";
+  return jetMayBeChanged(session) ? "" : kJetIsKept;
 }
 
 }  // namespace korvex::engine

@@ -3,7 +3,8 @@
 //
 // The program's own area says what is meant while no window does: JetGlobal (DWORD; 0 is Access
 // alone, else all programs, which is so where there is none), JetSelect (an entry of the list of
-// engines), JetVersion ("3.5": an older Jet than the newest that is there).
+// engines), JetVersion ("3.5": an older Jet than the newest that is there), JetModify (DWORD; 0
+// keeps all of Jet's settings from being changed).
 #pragma once
 
 #include <string>
@@ -25,11 +26,17 @@ std::vector<std::string> jetEngines(foundation::Session& session);
 // Whether the name is an engine of its own: "JET 2.X", not "TEXT".
 bool isJetEngine(std::string_view engine);
 
+// Whether JetModify lets the settings be changed, and what is told where it does not.
+bool jetMayBeChanged(foundation::Session& session);
+constexpr std::string_view kJetIsKept =
+    "The setting JetModify of Korvex keeps Jet's settings as they are.";
+
 // Whether the settings of all programs are meant, or Access's own.
 bool jetIsGlobal(foundation::Session& session);
 // The engine whose settings the engine rows are: the chosen one where it is one, else the newest.
 std::string jetEngine(foundation::Session& session);
 // The entry of the list that was chosen last, also a format; the first where none was. "" for none.
+// For a window that begins: while it is open it knows its entry itself.
 std::string jetSelected(foundation::Session& session);
 
 // Of HKEY_LOCAL_MACHINE: "Software\\Microsoft\\Jet\\4.0\\Engines\\TEXT".
@@ -38,7 +45,7 @@ std::string_view jetKey(foundation::Session& session, std::string_view engine);
 // A row's .adapt: the key of the format that its own key ends in; of the chosen engine.
 void keyOfFormat(Tweak& row, foundation::Session& session);
 void keyOfEngine(Tweak& row, foundation::Session& session);
-// A row's .lacks: Office, Jet, and the engine or format in question.
+// A row's .lacks: Office, Jet, the engine or format in question, and leave to change it.
 std::string_view needsFormat(const Tweak& row, foundation::Session& session);
 std::string_view needsEngine(const Tweak& row, foundation::Session& session);
 
