@@ -178,18 +178,21 @@ void applyDefaults(ScriptProgram& script, std::vector<Wish>& wishes, const Answe
   }
 }
 
-// A box of frmOffice asks by itself when it is clicked; default clicks none.
+// The controls of frmOffice ask by themselves; here it is one answer for all of them, and for
+// default, which clicks none.
 void refuseWhileOfficeRuns(ScriptProgram& script, const std::vector<Wish>& wishes) {
   const auto wish = std::find_if(wishes.begin(), wishes.end(), [](const Wish& each) {
-    return each.byDefault && each.tweak->bank == engine::Bank::Office;
+    return each.tweak->bank == engine::Bank::Office &&
+           (each.byDefault || each.typed != each.before);
   });
   if (wish == wishes.end()) return;
   const auto running = dialogs::runningOfficeApplications(script.program().session());
   if (running.empty()) return;
-  throw Failure(ExitCode::Busy, "office-running",
-                fmt::format("{} could not be set to 'default' while applications of Office are "
-                            "running. Close these first: {}. Nothing was changed.",
-                            wish->tweak->property, fmt::join(running, ", ")));
+  throw Failure(
+      ExitCode::Busy, "office-running",
+      fmt::format("{} could not be set to '{}' while applications of Office are "
+                  "running. Close these first: {}. Nothing was changed.",
+                  wish->tweak->property, printable(wish->typed), fmt::join(running, ", ")));
 }
 
 void apply(ScriptProgram& script, std::vector<Wish>& wishes, const AnswerScript& prompts) {
