@@ -24,9 +24,18 @@ constexpr std::array<std::string_view, 8> kEngines{"JET 4.0", "JET 3.5", "JET 3.
                                                    "ODBC",    "EXCEL",   "TEXT",    "XBASE"};
 constexpr std::size_t kOwnEngines = 4;
 
+// A failure looks like something that is not there, and is kept.
+bool isThere(Session& session, platform::Status status) {
+  if (missingIsFine(status) != platform::ERROR_SUCCESS) {
+    session.trace.dump("lRetVal&", status);
+    if (session.jet.unreadable == 0) session.jet.unreadable = status;
+  }
+  return status == platform::ERROR_SUCCESS;
+}
+
 bool hasKey(Session& session, const std::string& path) {
-  return platform::OpenKey(session.registry(), HKLM, path, platform::KEY_QUERY_VALUE).status() ==
-         platform::ERROR_SUCCESS;
+  const platform::OpenKey key(session.registry(), HKLM, path, platform::KEY_QUERY_VALUE);
+  return isThere(session, key.status());
 }
 
 // The name as the list has it; "" where it is none of them.
@@ -37,7 +46,9 @@ std::string_view known(std::string_view engine) {
 }
 
 std::string setting(Session& session, std::string_view name) {
-  return session.regTool.GetRegStr(kConfigurationKey, name, HKLM);
+  RawValue value;
+  isThere(session, readRawValue(session.registry(), HKLM, kConfigurationKey, name, value));
+  return value.text();
 }
 
 std::string accessVersion(const Session& session) {
@@ -96,9 +107,8 @@ bool jetMayBeChanged(Session& session) {
 bool jetIsGlobal(Session& session) {
   if (session.jet.global) return *session.jet.global;
   RawValue global;
-  const platform::Status status =
-      readRawValue(session.registry(), HKLM, kConfigurationKey, "JetGlobal", global);
-  return status != platform::ERROR_SUCCESS || global.number(1) != 0;
+  isThere(session, readRawValue(session.registry(), HKLM, kConfigurationKey, "JetGlobal", global));
+  return global.number(1) != 0;
 }
 
 std::string jetSelected(Session& session) {
@@ -127,11 +137,17 @@ std::string_view jetKey(Session& session, std::string_view engine) {
   return session.lasting(fmt::format("{}{}Engines\\{}", start, jetVersionPath(session), engine));
 }
 
-void keyOfFormat(Tweak& row, Session& session) { row.key = jetKey(session, lastPart(row.key)); }
+void keyOfFormat(Tweak& row, Session& session) {
+  session.jet.unreadable = 0;
+  row.key = jetKey(session, lastPart(row.key));
+  row.unreadable = session.jet.unreadable;
+}
 
 void keyOfEngine(Tweak& row, Session& session) {
+  session.jet.unreadable = 0;
   const std::string engine = jetEngine(session);
   if (!engine.empty()) row.key = jetKey(session, engine);
+  row.unreadable = session.jet.unreadable;
 }
 
 std::string_view needsFormat(const Tweak& row, Session& session) {

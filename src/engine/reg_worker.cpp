@@ -46,6 +46,7 @@ bool RegWorker::run(const Tweak& row) {
   lastStatus = platform::ERROR_SUCCESS;
   notice_.clear();
   const bool rebootNeededBefore = session_.g_bRebootNeeded;
+  if (!keep(tweak.unreadable)) return false;
   if (tweak.ask != nullptr && !(this->*tweak.ask)(tweak)) return keep(platform::ERROR_CANCELLED);
   {
     platform::RegistryChange change(session_.registry());

@@ -85,7 +85,8 @@ using TextReader = std::string (*)(const Tweak&, foundation::Session&);
 // Why this machine cannot have the tweak, beyond its Windows; "" where it can. Reads only.
 using Condition = std::string_view (*)(const Tweak&, foundation::Session&);
 // Fills in what depends on a fact of the machine: a key, a value's name, a default, a caption.
-// The texts it puts in are literals, or lasting ones of the session. Reads only.
+// The texts it puts in are literals, or lasting ones of the session. Reads only; where that fails
+// it says so in .unreadable.
 using Adapt = void (*)(Tweak&, foundation::Session&);
 
 struct Tweak {
@@ -143,6 +144,9 @@ struct Tweak {
   TextReader textReader = nullptr;
   Condition lacks = nullptr;
   Adapt adapt = nullptr;
+  // Of an adapted row: the status of a fact that could not be read. What was filled in may be that
+  // of another machine then, and nothing is written by it.
+  platform::Status unreadable = platform::ERROR_SUCCESS;
 };
 
 // Whether the row's control holds its value as text, instead of standing for one of two states.

@@ -33,6 +33,8 @@ std::string_view osName(Os os);  // "Windows Millennium"
 struct JetChoice {
   std::optional<bool> global;  // all programs of the machine, or Access alone
   std::string engine;          // "JET 4.0"; "" for what was remembered
+  // Why something of what the registry says of it could not be read; the first such status.
+  std::int32_t unreadable = 0;
 };
 
 class Session {
