@@ -20,6 +20,11 @@ bool isLetterOrBlank(char c) {
          static_cast<unsigned char>(c) >= 0x80;
 }
 
+bool takesLetters(const Tweak& row, std::string_view text) {
+  if (row.digitsOnly) return takesNumeral(text, row.orWord);
+  return !row.lettersOnly || std::ranges::all_of(text, isLetterOrBlank);
+}
+
 bool inRange(const Tweak& row, std::string_view text) {
   if (row.rangeText.empty() || text.empty() || sameName(text, row.orWord)) return true;
   const auto number = numberIn(text);
@@ -94,13 +99,12 @@ void ValueFields::Change(Field& field) {
   if (session_.g_bDefaulting || session_.g_bNoRecord) return;
   const std::string text = field.text();
   const Tweak& row = *field.tweak;
-  if (row.digitsOnly && !takesNumeral(text, row.orWord))
-    return takeBack(field, field.valid, row.refusal);
-  if (row.lettersOnly && !std::ranges::all_of(text, isLetterOrBlank)) {
-    return takeBack(field, field.valid, row.refusal);
+  // What the machine holds may be anything: a text that is taken back to it is not refused again.
+  if (text != field.applied) {
+    if (!takesLetters(row, text)) return takeBack(field, field.valid, row.refusal);
+    if (!canBecomeValid(row, text)) return takeBack(field, field.applied, row.rangeText);
   }
-  if (!canBecomeValid(row, text)) return takeBack(field, field.applied, row.rangeText);
-  if (inRange(row, text)) field.valid = text;
+  if (text == field.applied || inRange(row, text)) field.valid = text;
   // Set by the edit that differed: a text that is changed back is written all the same.
   if (field.changed == 0 && text != field.atStart) field.changed = ++edits_;
   if (field.changed != 0) edited_();
@@ -119,14 +123,17 @@ void ValueFields::takeBack(Field& field, const std::string& text, std::string_vi
   tell(session_, message);
 }
 
-// Nothing typed is the default, and the word in other letters is the word: shown as the next look
-// at the machine shows it.
+// Nothing typed is the default, the word in other letters is the word, and a text that stands for
+// something else is what it stands for: shown as the next look at the machine shows it.
 void ValueFields::finishWritten(Field& field) {
   const std::string text = field.text();
   const std::string_view word = field.tweak->orWord;
   if (!word.empty() && (text.empty() || sameName(text, word))) field.show(std::string(word));
   if (text.empty() && word.empty() && field.tweak->byDefault != kDelete) {
     field.show(defaultText(onMachine(*field.tweak, session_)));
+  }
+  if (field.tweak->freeText && field.tweak->textReader != nullptr) {
+    field.show(readText(*field.tweak, session_));
   }
   field.applied = field.valid = field.text();
 }

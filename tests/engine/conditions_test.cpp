@@ -7,7 +7,10 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
+#include "engine/jet.h"
+#include "engine_fixture.h"
 #include "foundation/detection.h"
 #include "support/machines.h"
 #include "support/scripted_prompts.h"
@@ -93,6 +96,71 @@ TEST_F(ConditionsTest, OutlookIsThereWithItsFolder) {
   EXPECT_FALSE(meets(needsOutlook));
   nameInAppPaths("OUTLOOK.EXE", "Path", "C:\\Office\\");
   EXPECT_TRUE(meets(needsOutlook));
+}
+
+// A machine with Office and Jet, to the last key or without.
+class OfficeConditionsTest : public EngineTest {
+ public:
+  OfficeConditionsTest() { have({"Jet\\4.0\\Engines\\Jet 2.x", "Jet\\4.0\\Engines\\JET 4.0"}); }
+
+  void have(const std::vector<std::string>& keys) {
+    for (const std::string& key : keys) createKey(HKLM, "Software\\Microsoft\\" + key);
+  }
+  void haveOffice(const std::string& version) {
+    createKey(HKCU, "Software\\Microsoft\\Office\\" + version);
+    foundation::detectSystem(session);
+  }
+  std::string lacks(std::string_view property) {
+    return std::string(readState(*findTweak(property), session).reason);
+  }
+  std::string keyOf(std::string_view property) {
+    return std::string(onMachine(*findTweak(property), session).key);
+  }
+};
+
+TEST_F(OfficeConditionsTest, WithoutOffice97Or2000NothingOfItCanBeSet) {
+  for (const char* version : {"7.0", "10.0"}) {
+    haveOffice(version);
+    for (const char* property : {"P_rwDraftFont", "P_DefSheets", "P_rwWdEnabled", "P_Threads"}) {
+      EXPECT_EQ("Only MS Office 97 & 2000 supported", lacks(property)) << version;
+    }
+  }
+  haveOffice("8.0");
+  EXPECT_EQ("", lacks("P_rwDraftFont"));
+  EXPECT_EQ("Software\\Microsoft\\Office\\8.0\\Excel\\Microsoft Excel", keyOf("P_DefSheets"));
+  haveOffice("9.0");
+  EXPECT_EQ("Software\\Microsoft\\Office\\9.0\\Excel\\Options", keyOf("P_DefSheets"));
+}
+
+TEST_F(OfficeConditionsTest, TheNewestJetCountsOrTheOlderOneThatIsWanted) {
+  haveOffice("9.0");
+  have({"Jet\\3.5\\Engines\\Jet 3.5", "Jet\\3.5\\Engines\\Text", "Jet\\3.5\\Engines\\Lotus"});
+  EXPECT_EQ((std::vector<std::string>{"JET 2.X", "JET 4.0"}), jetEngines(session));
+  EXPECT_NE("", lacks("P_MaxScanRows")) << "4.0 has no format Text";
+  for (const char* none : {"3.0", "2.5", "4", ""}) {
+    setText(HKLM, kOptions, "JetVersion", none);
+    EXPECT_EQ("4.0\\", jetVersionPath(session)) << none;
+  }
+  setText(HKLM, kOptions, "JetVersion", "3.5");
+  EXPECT_EQ((std::vector<std::string>{"JET 3.5", "TEXT"}), jetEngines(session));
+  EXPECT_EQ("", lacks("P_MaxScanRows"));
+  EXPECT_EQ("Software\\Microsoft\\Jet\\3.5\\Engines\\JET 3.5", keyOf("P_Threads"));
+}
+
+TEST_F(OfficeConditionsTest, TheChosenEngineAndWhoseSettingsMakeTheKey) {
+  haveOffice("8.0");
+  setDword(HKLM, kOptions, "JetGlobal", 0);
+  EXPECT_EQ("Software\\Microsoft\\Access\\8.0\\Jet\\4.0\\Engines\\JET 4.0", keyOf("P_Threads"));
+  haveOffice("9.0");
+  EXPECT_EQ("Software\\Microsoft\\Access\\9.0\\Jet\\4.0\\Engines\\JET 4.0", keyOf("P_Threads"));
+  setDword(HKLM, kOptions, "JetGlobal", 0xFFFFFFFF);
+  setText(HKLM, kOptions, "JetSelect", "Jet 2.X");
+  EXPECT_EQ("Software\\Microsoft\\Jet\\4.0\\Engines\\JET 2.X", keyOf("P_Threads"));
+  have({"Jet\\4.0\\Engines\\Text"});
+  for (const char* other : {"TEXT", "JET 3.5", "nonsense"}) {
+    setText(HKLM, kOptions, "JetSelect", other);
+    EXPECT_EQ("Software\\Microsoft\\Jet\\4.0\\Engines\\JET 4.0", keyOf("P_Threads")) << other;
+  }
 }
 
 }  // namespace
