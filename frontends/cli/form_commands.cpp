@@ -51,6 +51,9 @@ Json controlJson(const forms::Control& control) {
         json["marks"].push_back(marked->isCheckable(i) ? Json(marked->isChecked(i)) : Json());
       }
     }
+    if (const auto* several = dynamic_cast<const forms::MultiList*>(list)) {
+      json["selected"] = several->selectedItems();
+    }
   } else if (const auto* strip = dynamic_cast<const forms::TabStrip*>(&control)) {
     json["items"] = Json::array();
     for (const forms::Tab& tab : strip->tabs()) json["items"].push_back(tab.caption);
@@ -115,7 +118,8 @@ void addRun(CLI::App& group, Run& run) {
       "Steps:\n"
       "  check=C  uncheck=C             tick or clear a check box (check= also sets an option)\n"
       "  check=C:ITEM  uncheck=C:ITEM   tick or clear an item of a list, named by its text or by\n"
-      "                                 the beginning of it, up to a blank\n"
+      "                                 the beginning of it, up to a blank; where several can be\n"
+      "                                 selected, one more or one less\n"
       "  type=C:TEXT                    type into a field\n"
       "  secret=C:FD                    type a password, read from that file descriptor\n"
       "  select=C:ITEM                  select an item of a list or a tab\n"

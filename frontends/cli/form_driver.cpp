@@ -129,8 +129,15 @@ void checkItem(forms::CheckList& list, const Step& step) {
   list.setChecked(index, step.kind == Step::Kind::Check);
 }
 
+void selectFurther(forms::MultiList& list, const Step& step) {
+  const int index = itemMeant(list.items(), step.text);
+  if (index < 0) noItem(list, step.text, list.items());
+  list.setSelected(index, step.kind == Step::Kind::Check);
+}
+
 void check(Form& form, const Step& step) {
   Control& control = usable(form, step.control);
+  if (auto* list = dynamic_cast<forms::MultiList*>(&control)) return selectFurther(*list, step);
   if (auto* list = dynamic_cast<forms::CheckList*>(&control)) return checkItem(*list, step);
   if (!step.text.empty()) {
     throw Failure(ExitCode::Usage, "wrong-control",

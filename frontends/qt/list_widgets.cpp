@@ -5,10 +5,12 @@
 #include <QAbstractListModel>
 #include <QComboBox>
 #include <QCompleter>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <QTimer>
 #include <algorithm>
 #include <memory>
 
@@ -33,6 +35,11 @@ class ItemModel : public QAbstractListModel {
     const bool text = role == Qt::DisplayRole || role == Qt::EditRole;
     if (!text || index.row() >= control_.ListCount()) return {};
     return toQt(control_.items()[static_cast<std::size_t>(index.row())]);
+  }
+  Qt::ItemFlags flags(const QModelIndex& index) const override {
+    const auto* list = dynamic_cast<const forms::ListBox*>(&control_);
+    const bool dragged = index.isValid() && list != nullptr && list->isDragged();
+    return QAbstractListModel::flags(index) | (dragged ? Qt::ItemIsDragEnabled : Qt::NoItemFlags);
   }
 
   void refresh() {
@@ -105,7 +112,13 @@ ItemModel* makeModel(forms::ListBox& control, QListView& list, Bindings& binding
 
 class ListView : public QListView {
  public:
-  ListView(int rows, QWidget* parent) : QListView(parent), rows_(rows) {
+  ListView(forms::ListBox& control, QWidget* parent)
+      : QListView(parent), control_(control), rows_(control.visibleRows()) {
+    if (dynamic_cast<forms::MultiList*>(&control) != nullptr) {
+      setSelectionMode(ExtendedSelection);
+    }
+    setDragEnabled(control.isDragged());
+    setAcceptDrops(control.dropSource() != nullptr);
     setEditTriggers(NoEditTriggers);
     setTextElideMode(Qt::ElideNone);
     // A long text is reached by scrolling.
@@ -124,7 +137,28 @@ class ListView : public QListView {
     return {width(kListWidth / 2), height(std::min(rows_, kFewestRows))};
   }
 
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override { take(*event); }
+  void dragMoveEvent(QDragMoveEvent* event) override { take(*event); }
+  void dropEvent(QDropEvent* event) override {
+    if (!take(*event)) return;
+    // When the drag is over: a handler may ask the person, who needs the mouse for the answer.
+    QTimer::singleShot(0, this, [this] { control_.DragDrop.raise(); });
+  }
+
  private:
+  // Only what comes from the list that the form named; what happens to it is the form's business.
+  bool take(QDropEvent& event) const {
+    const auto* source = dynamic_cast<ListView*>(event.source());
+    const bool meant = source != nullptr && &source->control_ == control_.dropSource();
+    if (meant) {
+      event.setDropAction(Qt::CopyAction);
+      event.accept();
+    } else {
+      event.ignore();
+    }
+    return meant;
+  }
   int width(int characters) const {
     return fontMetrics().horizontalAdvance('x') * characters + 2 * frameWidth();
   }
@@ -133,17 +167,57 @@ class ListView : public QListView {
     return row * rows + 2 * frameWidth();
   }
 
+  forms::ListBox& control_;
   int rows_;
   mutable int widest_ = -1;
 };
 
+// A list with several selected items.
+void bindSeveral(forms::MultiList& control, QListView& list, ItemModel& model, Bindings& bindings,
+                 const std::shared_ptr<bool>& showing) {
+  const auto select = [&control, &list, &model, showing] {
+    if (*showing) return;
+    *showing = true;
+    QItemSelection selection;
+    for (const int row : control.selectedIndices()) {
+      selection.select(model.index(row), model.index(row));
+    }
+    list.selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    *showing = false;
+  };
+  bindings.on(control.itemsChanged, [&model, select, showing] {
+    *showing = true;
+    model.refresh();
+    *showing = false;
+    select();
+  });
+  bindings.on(control.SelectionChange, select);
+  select();
+  QItemSelectionModel* const selection = list.selectionModel();
+  QObject::connect(selection, &QItemSelectionModel::selectionChanged, &list,
+                   [&control, &model, showing, selection] {
+                     if (*showing) return;
+                     *showing = true;
+                     for (int row = 0; row < control.ListCount(); ++row) {
+                       control.setSelected(row, selection->isSelected(model.index(row)));
+                     }
+                     *showing = false;
+                   });
+  QObject::connect(&list, &QListView::doubleClicked, &list,
+                   [&control] { control.DblClick.raise(); });
+}
+
 }  // namespace
 
 QWidget* makeListBox(forms::ListBox& control, QWidget* parent, Bindings& bindings) {
-  auto* list = new ListView(control.visibleRows(), parent);
+  auto* list = new ListView(control, parent);
   auto* model = makeModel(control, *list, bindings);
   list->setModel(model);
   const auto showing = std::make_shared<bool>(false);
+  if (auto* several = dynamic_cast<forms::MultiList*>(&control)) {
+    bindSeveral(*several, *list, *model, bindings, showing);
+    return list;
+  }
   const auto select = [&control, list, model, showing] {
     const QModelIndex index = model->index(control.ListIndex);
     QItemSelectionModel& selection = *list->selectionModel();

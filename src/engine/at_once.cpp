@@ -72,6 +72,19 @@ Status putText(Session& session, platform::HKEY root, std::string_view key, std:
   return status;
 }
 
+Status putRaw(Session& session, platform::HKEY root, std::string_view key, std::string_view name,
+              const RawValue& value) {
+  platform::HKEY opened = 0;
+  bool existed = false;
+  Status status =
+      session.regTool.CreateRegNode(root, key, opened, existed, platform::KEY_ALL_ACCESS);
+  if (status != platform::ERROR_SUCCESS) return status;
+  status = session.registry().RegSetValueExA(opened, name, value.type, value.bytes.data(),
+                                             static_cast<std::uint32_t>(value.bytes.size()));
+  session.registry().RegCloseKey(opened);
+  return status;
+}
+
 Status dropValue(Session& session, platform::HKEY root, std::string_view key,
                  std::string_view name) {
   const Status status = session.regTool.DeleteRegValue(root, key, name);

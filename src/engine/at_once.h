@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/raw_value.h"
 #include "foundation/session.h"
 #include "foundation/variant.h"
 #include "platform/prompts.h"
@@ -33,6 +34,9 @@ platform::Status putValue(foundation::Session& session, platform::HKEY root, std
 // is wrong for what is no path.
 platform::Status putText(foundation::Session& session, platform::HKEY root, std::string_view key,
                          std::string_view name, const std::string& text);
+// Type and bytes as they are given.
+platform::Status putRaw(foundation::Session& session, platform::HKEY root, std::string_view key,
+                        std::string_view name, const RawValue& value);
 platform::Status dropValue(foundation::Session& session, platform::HKEY root, std::string_view key,
                            std::string_view name);
 

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "engine/at_once.h"
+#include "engine/copy_tree.h"
 #include "engine/raw_value.h"
 #include "engine/same_data.h"
 
@@ -50,56 +52,9 @@ Status findRecord(Session& session, const Tweak& tweak, Root root, std::string_v
   return ERROR_SUCCESS;
 }
 
-Status writeRaw(Session& session, Root root, std::string_view path, std::string_view name,
-                const RawValue& value) {
-  platform::HKEY key = 0;
-  bool existed = false;
-  Status status = session.regTool.CreateRegNode(root, path, key, existed, platform::KEY_ALL_ACCESS);
-  if (status != ERROR_SUCCESS) return status;
-  status = session.registry().RegSetValueExA(key, name, value.type, value.bytes.data(),
-                                             static_cast<std::uint32_t>(value.bytes.size()));
-  session.registry().RegCloseKey(key);
-  return status;
-}
-
 // A kept tree stands below the kept values under the full path of its key.
 std::string keptTree(const Session& session, const Tweak& tweak, Root root, std::string_view key) {
   return fmt::format("{}\\{}", keptKey(session, tweak, root), key);
-}
-
-Status copyValues(platform::Registry& registry, platform::HKEY from, platform::HKEY to) {
-  char name[platform::kNameBufferBytes];
-  Status status = ERROR_SUCCESS;
-  for (std::uint32_t i = 0; status == ERROR_SUCCESS; ++i) {
-    std::uint32_t length = sizeof name;
-    status = registry.RegEnumValueA(from, i, name, &length, nullptr, nullptr, nullptr);
-    const std::string_view valueName(name, length);
-    if (status == ERROR_SUCCESS) status = copyRawValue(registry, from, valueName, to, valueName);
-  }
-  return status == platform::ERROR_NO_MORE_ITEMS ? ERROR_SUCCESS : status;
-}
-
-Status copyTree(Session& session, Root root, const std::string& from, Root toRoot,
-                const std::string& to) {
-  platform::Registry& registry = session.registry();
-  std::vector<std::string> children;
-  Status status = listSubKeys(registry, root, from, platform::KEY_READ, children);
-  if (status != ERROR_SUCCESS) return status;
-  platform::HKEY target = 0;
-  bool existed = false;
-  status = session.regTool.CreateRegNode(toRoot, to, target, existed, platform::KEY_ALL_ACCESS);
-  if (status != ERROR_SUCCESS) return status;
-  {
-    const platform::OpenKey source(registry, root, from, platform::KEY_READ);
-    status = source.status() == ERROR_SUCCESS ? copyValues(registry, source.get(), target)
-                                              : source.status();
-  }
-  registry.RegCloseKey(target);
-  for (const std::string& child : children) {
-    if (status != ERROR_SUCCESS) return status;
-    status = copyTree(session, root, from + '\\' + child, toRoot, to + '\\' + child);
-  }
-  return status;
 }
 
 // Takes the kept record away, and what is empty above it up to the tweak's own key.
@@ -143,8 +98,8 @@ Status keepValue(Session& session, const Tweak& tweak, Root root, std::string_vi
   const bool there = status == ERROR_SUCCESS;
   const bool isOwn = onValue != nullptr && (there ? holds(present, *onValue) : onValue->isEmpty());
   if (isOwn) return ERROR_SUCCESS;
-  return writeRaw(session, HKLM, keptKey(session, tweak, root),
-                  there ? keptName(key, name) : absentName(key, name), present);
+  return putRaw(session, HKLM, keptKey(session, tweak, root),
+                there ? keptName(key, name) : absentName(key, name), present);
 }
 
 Status putBackValue(Session& session, const Tweak& tweak, Root root, std::string_view key,
@@ -153,7 +108,7 @@ Status putBackValue(Session& session, const Tweak& tweak, Root root, std::string
   Status status = findRecord(session, tweak, root, key, name, record);
   wasKept = !record.name.empty();
   if (status != ERROR_SUCCESS || !wasKept) return status;
-  status = record.wasThere ? writeRaw(session, root, key, name, record.value)
+  status = record.wasThere ? putRaw(session, root, key, name, record.value)
                            : missingIsFine(session.regTool.DeleteRegValue(root, key, name));
   if (status != ERROR_SUCCESS) return status;
   const std::string from = keptKey(session, tweak, root);

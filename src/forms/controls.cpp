@@ -78,6 +78,70 @@ ListBox::ListBox(Form& form, std::string name, int visibleRows)
   ListIndex.changed += [this] { Click.raise(); };
 }
 
+void ListBox::takesDropsFrom(ListBox& source) {
+  dropSource_ = &source;
+  source.isDragged_ = true;
+}
+
+MultiList::MultiList(Form& form, std::string name, int visibleRows)
+    : ListBox(form, std::move(name), visibleRows) {
+  ListIndex.changed += [this] { followListIndex(); };
+}
+
+std::string MultiList::stateText() const {
+  return std::to_string(selectedIndices().size()) + " of " + std::to_string(selected_.size()) +
+         " selected";
+}
+
+bool MultiList::isSelected(int index) const {
+  return index >= 0 && index < ListCount() && selected_[static_cast<std::size_t>(index)];
+}
+
+void MultiList::setSelected(int index, bool selected) {
+  if (index < 0 || index >= ListCount() || isSelected(index) == selected) return;
+  selected_[static_cast<std::size_t>(index)] = selected;
+  tellFirst();
+  SelectionChange.raise();
+}
+
+std::vector<int> MultiList::selectedIndices() const {
+  std::vector<int> result;
+  for (int i = 0; i < ListCount(); ++i) {
+    if (isSelected(i)) result.push_back(i);
+  }
+  return result;
+}
+
+std::vector<std::string> MultiList::selectedItems() const {
+  std::vector<std::string> result;
+  for (const int index : selectedIndices()) {
+    result.push_back(items()[static_cast<std::size_t>(index)]);
+  }
+  return result;
+}
+
+void MultiList::tellFirst() {
+  following_ = true;
+  const std::vector<int> all = selectedIndices();
+  ListIndex = all.empty() ? -1 : all.front();
+  following_ = false;
+}
+
+void MultiList::followListIndex() {
+  const std::vector<int> all = selectedIndices();
+  // Items above went, and the first selected one has moved up.
+  const bool moved = !all.empty() && all.front() == ListIndex.get();
+  if (following_ || moved) return;
+  for (std::size_t i = 0; i < selected_.size(); ++i) {
+    selected_[i] = static_cast<int>(i) == ListIndex.get();
+  }
+  SelectionChange.raise();
+}
+
+void MultiList::itemInserted() { selected_.push_back(false); }
+void MultiList::itemErased(int index) { selected_.erase(selected_.begin() + index); }
+void MultiList::itemsCleared() { selected_.clear(); }
+
 std::string CheckList::stateText() const {
   const auto count = std::count_if(marks_.begin(), marks_.end(), [](Mark m) { return m.checked; });
   return std::to_string(count) + " of " + std::to_string(marks_.size()) + " checked";

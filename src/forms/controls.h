@@ -90,8 +90,42 @@ class ListBox : public ListControl {
   ListBox(Form& form, std::string name, int visibleRows = 8);
   int visibleRows() const { return visibleRows_; }
 
+  // The person may drag what is selected in that list onto this one. Said in the form's
+  // constructor.
+  void takesDropsFrom(ListBox& source);
+  const ListBox* dropSource() const { return dropSource_; }
+  bool isDragged() const { return isDragged_; }
+  Event DragDrop;  // what is selected in the source was dropped here
+
  private:
   int visibleRows_;
+  ListBox* dropSource_ = nullptr;
+  bool isDragged_ = false;
+};
+
+// A list of which several items can be selected. ListIndex is the first of them; setting it selects
+// that one alone. Removing the first selected item takes the whole selection away.
+class MultiList : public ListBox {
+ public:
+  MultiList(Form& form, std::string name, int visibleRows = 8);
+  std::string stateText() const override;  // "2 of 5 selected"
+
+  bool isSelected(int index) const;
+  void setSelected(int index, bool selected);
+  std::vector<int> selectedIndices() const;  // ascending
+  std::vector<std::string> selectedItems() const;
+
+  Event SelectionChange;  // by the person or by code
+
+ private:
+  void itemInserted() override;
+  void itemErased(int index) override;
+  void itemsCleared() override;
+  void followListIndex();
+  void tellFirst();
+
+  std::vector<bool> selected_;
+  bool following_ = false;
 };
 
 // A list whose items carry a check mark each, apart from the selection. Items are added unchecked.

@@ -201,6 +201,31 @@ TEST(Controls, ADisabledOrHiddenButtonCannotBePressed) {
   EXPECT_EQ(presses, 1);
 }
 
+TEST(Controls, SeveralItemsOfAListAreSelectedAndTheFirstIsTold) {
+  Form form("frm", "");
+  MultiList list(form, "lst");
+  for (const char* item : {"a", "b", "c", "d"}) list.AddItem(item);
+  int changes = 0;
+  list.SelectionChange += [&changes] { ++changes; };
+  list.setSelected(3, true);
+  list.setSelected(1, true);
+  list.setSelected(1, true);
+  EXPECT_EQ(2, changes);
+  EXPECT_EQ(1, list.ListIndex.get());
+  EXPECT_EQ((std::vector<int>{1, 3}), list.selectedIndices());
+  EXPECT_EQ("2 of 4 selected", list.stateText());
+  list.RemoveItem(0);
+  EXPECT_EQ((std::vector<std::string>{"b", "d"}), list.selectedItems()) << "others move up";
+  list.setSelected(0, false);
+  EXPECT_EQ(2, list.ListIndex.get());
+  list.ListIndex = 1;
+  EXPECT_EQ((std::vector<std::string>{"c"}), list.selectedItems()) << "that one alone";
+  list.setSelected(9, true);
+  list.Clear();
+  EXPECT_TRUE(list.selectedItems().empty());
+  EXPECT_EQ(-1, list.ListIndex.get());
+}
+
 // Tells on the outside what happens to it.
 class LifeForm : public Form {
  public:
