@@ -194,16 +194,22 @@ bool RegWorker::enableAssistant(const Tweak& tweak) {
   RawValue state;
   BroughtBack back;
   bool wasKept = false;
+  const std::string kept = keptKey(session_, tweak, tweak.root);
   if (!keep(readFolders(session_, tweak, folder, from)) ||
       !read(tweak.root, tweak.key, kAsstState, state) || !keep(bringBack(files(), from, back)) ||
       (!sameName(from, folder) && !keep(bringBack(files(), folder, back))) ||
-      !remove(HKLM, keptKey(session_, tweak, tweak.root), kFolder) ||
-      !keep(putBackValue(session_, tweak, tweak.root, tweak.key, kAsstState, wasKept))) {
+      !remove(HKLM, kept, kFolder)) {
+    return false;
+  }
+  // What was set since, perhaps by its own box in the same Apply, is newer than what was kept.
+  const bool off = holds(state, Variant(kAssistantOff));
+  if (off ? !keep(putBackValue(session_, tweak, tweak.root, tweak.key, kAsstState, wasKept))
+          : !removeTree(HKLM, kept)) {
     return false;
   }
   // Another program put them away, and nobody knows what the value was: without one Office shows
   // the Assistant.
-  const bool unknown = !wasKept && back.any && holds(state, Variant(kAssistantOff));
+  const bool unknown = !wasKept && back.any && off;
   if (unknown && !remove(tweak.root, tweak.key, kAsstState)) return false;
   if (!back.places.empty()) notify(kStay + back.places, platform::kIconInformation);
   return true;
@@ -218,8 +224,9 @@ TweakState p_DetermineAsstRemove(const Tweak& tweak, Session& session) {
   return {on ? TweakState::Kind::On : TweakState::Kind::Off, {}};
 }
 
-std::string_view needsActors(const Tweak& tweak, Session& session) {
-  const std::string_view reason = needsOffice(tweak, session);
+std::string_view needsActors(const Tweak& row, Session& session) {
+  const std::string_view reason = needsOffice(row, session);
+  const Tweak tweak = onMachine(row, session);  // asked before the key is that of this Office
   std::string folder;
   std::string from;
   if (!reason.empty() || readFolders(session, tweak, folder, from) != ERROR_SUCCESS) return reason;
