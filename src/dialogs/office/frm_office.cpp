@@ -238,7 +238,9 @@ std::vector<engine::FailedRoutine> frmOffice::writeFields(engine::ValueFields& f
   auto failures = fields.write(isOfOffice);
   for (const auto& written :
        {fields.write(JetPanel::isWrittenFirst),
-        fields.write([](const Tweak& row) { return !isOfOffice(row); }, Order::OfEdits)}) {
+        fields.write(
+            [](const Tweak& row) { return !isOfOffice(row) && !JetPanel::isWrittenFirst(row); },
+            Order::OfEdits)}) {
     failures.insert(failures.end(), written.begin(), written.end());
   }
   return failures;

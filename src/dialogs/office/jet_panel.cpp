@@ -4,6 +4,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "engine/at_once.h"
@@ -40,7 +42,8 @@ constexpr std::string_view kJet2x = "JET 2.X";
 constexpr std::string_view kJetSelect = "JetSelect";
 constexpr std::string_view kJetGlobal = "JetGlobal";
 constexpr int kEntries = 8;
-constexpr int kKeyWidth = 60;
+// As wide as the widest group below it: nothing moves when another entry is chosen.
+constexpr int kKeyWidth = 85;
 constexpr const char* kListTip = "Whose settings are shown: a Jet engine or a format it reads";
 constexpr const char* kGlobalTip =
     "Checked: the settings of all programs. Unchecked: Access's own...default is checked";
@@ -91,6 +94,19 @@ std::vector<const Tweak*> rowsThat(const std::function<bool(const Tweak&)>& whic
     if (isOfJet(*row) && which(*row)) rows.push_back(row);
   }
   return rows;
+}
+
+// Many boxes below each other stand in two columns instead, above the fields.
+Layout compact(Layout group) {
+  constexpr std::ptrdiff_t kMostBoxes = 8;
+  const auto isBox = [](const Layout& part) { return part.kind == Layout::Kind::Control; };
+  const auto boxes = std::ranges::find_if_not(group.parts, isBox);
+  if (boxes - group.parts.begin() <= kMostBoxes) return group;
+  std::vector<Layout> columns(std::make_move_iterator(group.parts.begin()),
+                              std::make_move_iterator(boxes));
+  group.parts.erase(group.parts.begin() + 1, boxes);
+  group.parts.front() = Layout::row({Layout::grid(2, std::move(columns)), Layout::space()});
+  return group;
 }
 
 void show(forms::Form& form, const Tweak& row, const std::string& text) {
@@ -162,18 +178,16 @@ Layout JetPanel::layout(const std::function<Layout(std::string_view)>& takeGroup
   };
   std::vector<Layout> formatGroups;
   for (std::size_t i = 0; i < formats().size(); ++i) {
-    Layout group = takeGroup(formats()[i].group);
+    Layout group = compact(takeGroup(formats()[i].group));
     if (formats()[i].entry == kTextEntry) group.parts.push_back(extensions_.layout());
     formatGroups.push_back(framed(*frames_[i], std::move(group)));
   }
-  return Layout::column(
+  Layout shown = Layout::column(
       {Layout::row({of(lblEngineKey_), of(txtEngineKey_)}),
-       Layout::row({Layout::column({of(lblJetEngines_), of(lstJetEngines_), of(chkGlobal_)}),
-                    Layout::column(
-                        {framed(fraEIS_, takeGroup(kEngineGroup)),
-                         framed(fraISAM_, Layout::group("ISAM Settings", std::move(formatGroups))),
-                         Layout::space()}),
-                    Layout::space()})});
+       framed(fraEIS_, takeGroup(kEngineGroup)),
+       framed(fraISAM_, Layout::group("ISAM Settings", std::move(formatGroups))), Layout::space()});
+  return Layout::row(
+      {Layout::column({of(lblJetEngines_), of(lstJetEngines_), of(chkGlobal_)}), std::move(shown)});
 }
 
 void JetPanel::begin() {
