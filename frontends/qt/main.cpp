@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <QMessageBox>
 #include <QTimer>
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -16,6 +17,7 @@
 #include "program/recent_machines.h"
 #include "qt/application.h"
 #include "qt/form_view.h"
+#include "qt/handbook.h"
 #include "qt/machine_menu.h"
 #include "qt/qt_host.h"
 #include "qt/qt_prompts.h"
@@ -38,6 +40,7 @@ struct Options {
   std::string look;
   std::string screenshot;
   std::string form;
+  std::string handbook;
   std::string set;  // the profile.kvx of a saved set, of the system that Korvex runs on
 };
 
@@ -58,6 +61,8 @@ void describe(CLI::App& app, Options& options) {
       ->group("")
       ->needs(screenshot)
       ->check(CLI::IsMember(std::move(forms), CLI::ignore_case));
+  // The same of all windows that the machine can use, with a page of text each, into a folder.
+  app.add_option("--handbook", options.handbook, "")->group("");
   app.set_version_flag("--version", "korvex " KORVEX_VERSION);
 }
 
@@ -137,6 +142,26 @@ bool takePicture(FormView& view, program::Program& program, const Options& optio
   return saved;
 }
 
+// The pages of all windows, then the end. Shown for the main window first, which shows the others.
+bool writeHandbook(FormView& view, program::Program& program, const std::string& folder) {
+  QApplication::processEvents();
+  const auto rows = program::Program::forms();
+  const auto row = std::find_if(rows.begin(), rows.end(), [&view](const program::FormRow& form) {
+    return form.name == view.form().name();
+  });
+  bool saved = true;
+  if (canBeUsed(view.form())) {
+    saved = writeHandbookPage(view, std::string(row->title), toQt(folder));
+  }
+  if (isMainWindow(view)) {
+    for (const program::FormRow& form : rows.subspan(1)) {
+      program.formBook().showModal(form.name);
+    }
+  }
+  view.close();
+  return saved;
+}
+
 int runOn(platform::Machine& machine, const Options& options, std::string& next) {
   QtPrompts prompts;
   prompts.setFiles(machine.files());
@@ -144,7 +169,11 @@ int runOn(platform::Machine& machine, const Options& options, std::string& next)
   program::Program program(machine, prompts);
   prompts.folderPicker = [&program](std::string_view title) { return program.pickFolder(title); };
   bool saved = true;
-  if (options.screenshot.empty()) {
+  if (!options.handbook.empty()) {
+    host.onShown = [&](FormView& view) {
+      saved = writeHandbook(view, program, options.handbook) && saved;
+    };
+  } else if (options.screenshot.empty()) {
     host.onShown = [&](FormView& view) {
       if (isMainWindow(view)) equipMainWindow(view, program, options, next);
     };
@@ -152,7 +181,9 @@ int runOn(platform::Machine& machine, const Options& options, std::string& next)
     host.onShown = [&](FormView& view) { saved = takePicture(view, program, options) && saved; };
   }
   const int code = program.run(host);
-  if (!saved) std::cerr << "korvex-gui: could not write " << options.screenshot << '\n';
+  if (!saved) {
+    std::cerr << "korvex-gui: could not write " << options.screenshot << options.handbook << '\n';
+  }
   return saved ? code : kFailed;
 }
 

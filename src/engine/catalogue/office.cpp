@@ -2,6 +2,7 @@
 // 2000. Keys are those of Office 2000; the rows of an application share what stands in its
 // function.
 #include "engine/office.h"
+#include "engine/office_assistant.h"
 
 #include <array>
 
@@ -19,7 +20,7 @@ constexpr Tweak ofOffice(Tweak row, std::string_view key, std::string_view group
   row.form = "frmOffice";
   row.page = Page::MSOffice;
   row.group = group;
-  row.lacks = needsOffice;
+  if (row.lacks == nullptr) row.lacks = needsOffice;
   if (row.adapt == nullptr) row.adapt = keyOfOffice;
   return row;
 }
@@ -387,7 +388,8 @@ constexpr std::array kOffice{
                .writes = "Checked: the files *.ac* of that folder are moved into its folder "
                          "Disable, and AsstState is DWORD 0. Unchecked: both as they were.",
                .special = &RegWorker::P_rwAsstRemove,
-               .reader = p_DetermineAsstRemove}),
+               .reader = p_DetermineAsstRemove,
+               .lacks = needsActors}),
     // The journal.
     journaling({.property = "P_rwWdEnabled",
                 .value = "Enabled",
