@@ -72,7 +72,9 @@ WrittenTexts writtenTexts(const Tweak& tweak) {
 }
 
 bool tellsOfTheValue(const Tweak& tweak) {
-  return tweak.writes.empty() || tweak.writes.starts_with("Checked:");
+  return tweak.writes.empty() || tweak.writes.starts_with("Checked:") ||
+         tweak.writes.starts_with("The number of the field") ||
+         tweak.writes.starts_with("The text of the field") || tweak.writes.starts_with("A DWORD:");
 }
 
 std::string whatsThis(const Tweak& tweak) {
