@@ -1,6 +1,8 @@
 // Checking what stands in the field.
 #include "engine/numeral_field.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <utility>
@@ -27,6 +29,10 @@ std::optional<std::uint32_t> numberIn(std::string_view text) {
   const auto parsed = std::from_chars(text.data(), end, number);
   if (text.empty() || parsed.ec != std::errc{} || parsed.ptr != end) return std::nullopt;
   return number;
+}
+
+std::string tooLargeText(std::string_view digits) {
+  return fmt::format("{} is too large: at most 4294967295.", digits);
 }
 
 NumeralField::NumeralField(foundation::Session& session, forms::TextBox& box, std::string orWord,

@@ -20,6 +20,9 @@ bool takesNumeral(std::string_view text, std::string_view orWord = {});
 // The text as a number; nothing for an empty one, one with anything but digits, or one too large.
 std::optional<std::uint32_t> numberIn(std::string_view text);
 
+// What is told of digits that are too large for a DWORD.
+std::string tooLargeText(std::string_view digits);
+
 class NumeralField {
  public:
   // The session and the box outlive it. edited is called after each edit that the field takes; not

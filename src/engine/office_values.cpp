@@ -1,7 +1,5 @@
 // The values behind the fields of frmOffice, and the database engine's switches: writers and
 // readers.
-#include <fmt/format.h>
-
 #include <array>
 #include <string>
 
@@ -56,7 +54,7 @@ bool RegWorker::writeField(const Tweak& tweak) {
   if (!text.empty() && tweak.digitsOnly) {
     const auto number = numberIn(text);
     if (!number) {
-      notify(fmt::format("{} is too large: at most 4294967295.", text), platform::kIconInformation);
+      notify(tooLargeText(text), platform::kIconInformation);
       return keep(platform::ERROR_INVALID_DATA);
     }
     value = static_cast<std::int32_t>(*number);

@@ -25,6 +25,12 @@ bool takesLetters(const Tweak& row, std::string_view text) {
   return !row.lettersOnly || std::ranges::all_of(text, isLetterOrBlank);
 }
 
+// Of a field whose value is a DWORD.
+bool isTooLarge(const Tweak& row, std::string_view text) {
+  const bool isNumber = row.digitsOnly && row.byDefault.kind == RowValue::Kind::Number;
+  return isNumber && !text.empty() && !sameName(text, row.orWord) && !numberIn(text);
+}
+
 bool inRange(const Tweak& row, std::string_view text) {
   if (row.rangeText.empty() || text.empty() || sameName(text, row.orWord)) return true;
   const auto number = numberIn(text);
@@ -103,6 +109,7 @@ void ValueFields::Change(Field& field) {
   if (text != field.applied) {
     if (!takesLetters(row, text)) return takeBack(field, field.valid, row.refusal);
     if (!canBecomeValid(row, text)) return takeBack(field, field.applied, row.rangeText);
+    if (isTooLarge(row, text)) return takeBack(field, field.valid, tooLargeText(text));
   }
   if (text == field.applied || inRange(row, text)) field.valid = text;
   // Set by the edit that differed: a text that is changed back is written all the same.

@@ -103,22 +103,24 @@ constexpr const char* kCache = "The valid range for this setting is 64 - 2047.";
 constexpr const char* kBuffer = "The valid range for this setting is 9 - 4096.";
 
 TEST_F(ValueFieldsTest, WhatCannotBecomeAValueIsToldAndTakenBackAtOnce) {
-  for (const Refusal& refusal : {Refusal{"txtExcelDefaultWorksheets", "8x", kNumerals},
-                                 {"txtExcelMRUList", "-1", kNumerals},
-                                 {"txtMaxUndo", "1.5", kNumerals},
-                                 {"txtWordMaxBitCache", "all", kNumerals},
-                                 {"txtWordDocMaxCache", "64 ", kNumerals},
-                                 {"txtExcelDefaultWorksheets", "0", kSheets},
-                                 {"txtExcelDefaultWorksheets", "101", kSheets},
-                                 {"txtExcelMRUList", "0", kFiles},
-                                 {"txtExcelMRUList", "10", kFiles},
-                                 {"txtWordDocMaxCache", "0", kCache},
-                                 {"txtWordDocMaxCache", "2048", kCache},
-                                 {"txtWordDocMaxCache", "99999999999", kCache},
-                                 {"txtMaxBufferSize", "4097", kBuffer},
-                                 {"txtThreads", "x", kNumerals},
-                                 {"txtUserCommitSync", "ye5", kLetters},
-                                 {"txtDate", "D-M", kLetters}}) {
+  for (const Refusal& refusal :
+       {Refusal{"txtExcelDefaultWorksheets", "8x", kNumerals},
+        {"txtExcelMRUList", "-1", kNumerals},
+        {"txtMaxUndo", "1.5", kNumerals},
+        {"txtWordMaxBitCache", "all", kNumerals},
+        {"txtWordDocMaxCache", "64 ", kNumerals},
+        {"txtExcelDefaultWorksheets", "0", kSheets},
+        {"txtExcelDefaultWorksheets", "101", kSheets},
+        {"txtExcelMRUList", "0", kFiles},
+        {"txtExcelMRUList", "10", kFiles},
+        {"txtWordDocMaxCache", "0", kCache},
+        {"txtWordDocMaxCache", "2048", kCache},
+        {"txtWordDocMaxCache", "99999999999", kCache},
+        {"txtMaxBufferSize", "4097", kBuffer},
+        {"txtThreads", "x", kNumerals},
+        {"txtUserCommitSync", "ye5", kLetters},
+        {"txtDate", "D-M", kLetters},
+        {"txtWordMaxBitCache", "4294967296", "4294967296 is too large: at most 4294967295."}}) {
     SCOPED_TRACE(std::string(refusal.control) + " " + refusal.typed);
     const std::string before = shownIn(refusal.control);
     type(refusal.control, refusal.typed);
