@@ -41,9 +41,8 @@ constexpr std::string_view kTextEntry = "TEXT";
 constexpr std::string_view kJet2x = "JET 2.X";
 constexpr std::string_view kJetSelect = "JetSelect";
 constexpr std::string_view kJetGlobal = "JetGlobal";
-constexpr int kEntries = 8;
-// As wide as the widest group below it: nothing moves when another entry is chosen.
-constexpr int kKeyWidth = 85;
+constexpr int kEntries = 7;
+constexpr int kKeyWidth = 60;
 constexpr const char* kListTip = "Whose settings are shown: a Jet engine or a format it reads";
 constexpr const char* kGlobalTip =
     "Checked: the settings of all programs. Unchecked: Access's own...default is checked";
@@ -106,6 +105,18 @@ Layout compact(Layout group) {
                               std::make_move_iterator(boxes));
   group.parts.erase(group.parts.begin() + 1, boxes);
   group.parts.front() = Layout::row({Layout::grid(2, std::move(columns)), Layout::space()});
+  return group;
+}
+
+// The fields in two halves beside each other, or below each other where there is not the room. A
+// grid's parts are labels and fields in turn.
+Layout inHalves(Layout group) {
+  std::vector<Layout> pairs = std::move(group.parts.back().parts.front().parts);
+  const auto middle = pairs.begin() + static_cast<std::ptrdiff_t>((pairs.size() / 2 + 1) / 2 * 2);
+  std::vector<Layout> second(std::make_move_iterator(middle), std::make_move_iterator(pairs.end()));
+  pairs.erase(middle, pairs.end());
+  group.parts.back() =
+      Layout::flow({Layout::grid(2, std::move(pairs)), Layout::grid(2, std::move(second))});
   return group;
 }
 
@@ -172,7 +183,8 @@ JetPanel::JetPanel(forms::Form& form, const DialogParts& parts,
 
 Layout JetPanel::layout(const std::function<Layout(std::string_view)>& takeGroup) {
   const auto of = [](forms::Control& control) { return Layout::of(control); };
-  const auto framed = [](forms::Frame& frame, Layout group) {
+  const auto framed = [this](forms::Frame& frame, Layout group) {
+    insides_.push_back({&frame, controlsIn(group)});
     group.control = &frame;
     return group;
   };
@@ -182,12 +194,13 @@ Layout JetPanel::layout(const std::function<Layout(std::string_view)>& takeGroup
     if (formats()[i].entry == kTextEntry) group.parts.push_back(extensions_.layout());
     formatGroups.push_back(framed(*frames_[i], std::move(group)));
   }
-  Layout shown = Layout::column(
-      {Layout::row({of(lblEngineKey_), of(txtEngineKey_)}),
-       framed(fraEIS_, takeGroup(kEngineGroup)),
-       framed(fraISAM_, Layout::group("ISAM Settings", std::move(formatGroups))), Layout::space()});
-  return Layout::row(
-      {Layout::column({of(lblJetEngines_), of(lstJetEngines_), of(chkGlobal_)}), std::move(shown)});
+  Layout isam = Layout::group("ISAM Settings", std::move(formatGroups));
+  isam.control = &fraISAM_;
+  Layout choice = Layout::row(
+      {Layout::column({of(lblJetEngines_), of(lstJetEngines_)}),
+       Layout::column({of(lblEngineKey_), of(txtEngineKey_), of(chkGlobal_), Layout::space()})});
+  return Layout::column({std::move(choice), framed(fraEIS_, inHalves(takeGroup(kEngineGroup))),
+                         std::move(isam), Layout::space()});
 }
 
 void JetPanel::begin() {
@@ -325,10 +338,10 @@ void JetPanel::showChoice() {
   const std::string key = P_ReturnRegPathToRW();
   txtEngineKey_.Text = key.empty() ? "" : "HKEY_LOCAL_MACHINE\\" + key;
   const std::string_view group = groupOf(entry_);
-  fraEIS_.Visible = group == kEngineGroup;
   fraISAM_.Visible = group != kEngineGroup;
-  for (std::size_t i = 0; i < formats().size(); ++i) {
-    frames_[i]->Visible = group == formats()[i].group;
+  for (const Inside& inside : insides_) {
+    inside.frame->Visible = inside.frame->Caption.get() == group;
+    for (forms::Control* control : inside.controls) control->Visible = inside.frame->Visible.get();
   }
   p_ReSetControlsTo2x();
 }
@@ -356,6 +369,8 @@ std::string JetPanel::P_ReturnRegPathToRW() const {
 
 void JetPanel::cmdAccess_Click() {
   session_.trace.enter("[frmOffice.cmdAccess]");
+  // Without an Office that is known nothing of it can be changed.
+  if (session_.g_iOfficeVer == 0) return;
   touched_ = true;
   backups_.backUpOnce(JetBackups::When::Opening);
 }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "backup/registry_backer.h"
 #include "dialogs/dialog_parts.h"
@@ -88,7 +89,12 @@ class JetPanel {
   forms::Frame& fraEIS_;
   forms::Frame& fraISAM_;
   std::array<forms::Frame*, 4> frames_{};  // of the formats
-  std::string entry_;                      // of the list, as it is shown
+  struct Inside {
+    forms::Frame* frame;
+    std::vector<forms::Control*> controls;
+  };
+  std::vector<Inside> insides_;  // of the engine's frame and those of the formats
+  std::string entry_;            // of the list, as it is shown
   bool filling_ = false;
   bool touched_ = false;  // the person was here
 };
