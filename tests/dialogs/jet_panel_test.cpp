@@ -389,6 +389,27 @@ TEST_F(Jet97, AFailedBackupIsToldOnceAndAskedAboutBeforeApply) {
   EXPECT_FALSE(std::filesystem::exists(file("jetaccess.reg"))) << "there is no such key";
 }
 
+// What is chosen is neither saved nor remembered there, and nobody is told of it.
+TEST(JetOnReadOnlyMachine, CanBeLookedAtWithoutAWord) {
+  test::TestMachine machine("windows-2000");
+  machine.reopen(platform::OpenMode::Read);
+  test::ScriptedPrompts prompts;
+  foundation::Session session(machine.get(), prompts);
+  foundation::detectSystem(session);
+  forms::FormBook book;
+  engine::RegWorker worker(session, book);
+  engine::PendingChanges pending(session, book);
+  const DialogParts parts{session, worker, pending, book, true};
+  book.add(frmOffice::kName, [parts] { return std::make_unique<OfficeUnderTest>(parts); });
+  auto& office = dynamic_cast<frmOffice&>(book.load(frmOffice::kName));
+  office.tabOffice.SelectedItem = 6;
+  office.find<forms::ListBox>("lstJetEngines")->ListIndex = 3;
+  EXPECT_EQ("9500", office.find<forms::TextBox>("txtMaxLocksPerFile")->Text.get());
+  EXPECT_TRUE(book.unload(frmOffice::kName));
+  EXPECT_TRUE(prompts.messages.empty());
+  EXPECT_FALSE(std::filesystem::exists(machine.driveC() / "Program Files/Korvex/Registry"));
+}
+
 class FailingJet : public OnFailingMachine<OfficeUnderTest> {};
 
 // Every call of a restore fails once: both keys are as they were, or both are restored.
