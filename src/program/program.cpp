@@ -24,7 +24,10 @@
 #include "dialogs/office/frm_office.h"
 #include "dialogs/office/running_applications.h"
 #include "dialogs/shell/frm_fa.h"
+#include "dialogs/shell/frm_moniker.h"
+#include "dialogs/shell/frm_right_click.h"
 #include "dialogs/system/frm_fast_file_access.h"
+#include "dialogs/system/frm_ie_title_bar.h"
 #include "dialogs/system/frm_more_security.h"
 #include "dialogs/system/frm_system_information.h"
 #include "dialogs/system/frm_win_tweaks_ii.h"
@@ -79,6 +82,12 @@ constexpr std::array kDialogs{
     DialogRow{{dialogs::frmIPAddresses::kName, "Further IP addresses of Windows 9x"},
               make<dialogs::frmIPAddresses>},
     DialogRow{{dialogs::frmMRUs::kName, "Excel's recent files"}, make<dialogs::frmMRUs>},
+    DialogRow{{dialogs::frmRightClick::kName, "Entries in the right click menus of file types"},
+              make<dialogs::frmRightClick>},
+    DialogRow{{dialogs::frmMoniker::kName, "Short names that the browser opens"},
+              make<dialogs::frmMoniker>},
+    DialogRow{{dialogs::frmIETitleBar::kName, "The title bar of Internet Explorer"},
+              make<dialogs::frmIETitleBar>},
     DialogRow{{dialogs::frmFA::kName, "File associations"}},
     DialogRow{{dialogs::frmRestore::kName, "What a restore would change"}},
     DialogRow{{dialogs::frmAbout::kName, "Version and machine"}},
