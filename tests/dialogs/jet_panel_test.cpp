@@ -412,6 +412,38 @@ TEST(JetOnReadOnlyMachine, CanBeLookedAtWithoutAWord) {
 
 class FailingJet : public OnFailingMachine<OfficeUnderTest> {};
 
+// Whichever call fails: the list is as it was and that is told, or it is whole, and no other key
+// is written.
+TEST_F(FailingJet, AnExtensionIsAddedWholeOrNotAtAll) {
+  const std::string text = std::string(kJet) + "\\3.5\\Engines\\Text";
+  auto& list = *window().find<forms::ListBox>("lstJetEngines");
+  const auto item = std::ranges::find(list.items(), "TEXT") - list.items().begin();
+  const std::string before = registry().value(text, "Extensions");
+  const std::string after = before.substr(0, before.size() - 1) + ",log\"";
+  const auto keys = below(kJet).size();
+  int told = 0;
+  for (int n = 1; n < 300; ++n) {
+    registry().put(text, "Extensions", before);
+    prompts.messages.clear();
+    list.ListIndex = 0;
+    list.ListIndex = static_cast<int>(item);
+    ASSERT_TRUE(window().find("cmdExtensionAdd")->Enabled) << n;
+    window().find<forms::TextBox>("txtExtension")->Text = "log";
+    failingRegistry.fail(n);
+    window().find<forms::CommandButton>("cmdExtensionAdd")->press();
+    const bool failed = failingRegistry.hasFailed();
+    failingRegistry.fail(0);
+    // A flush that fails comes after the change, and is told too.
+    const bool isThere = registry().value(text, "Extensions") == after;
+    EXPECT_EQ(isThere ? after : before, registry().value(text, "Extensions")) << n;
+    EXPECT_TRUE(isThere || !prompts.messages.empty()) << n;
+    EXPECT_EQ(keys, below(kJet).size()) << n;
+    if (!failed) break;
+    told += isThere ? 0 : 1;
+  }
+  EXPECT_GT(told, 4);
+}
+
 // Every call of a restore fails once: both keys are as they were, or both are restored.
 TEST_F(FailingJet, ARestoreThatFailsChangesNeitherKey) {
   backup::RegistryBacker backer(session);

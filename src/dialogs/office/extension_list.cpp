@@ -115,11 +115,17 @@ Layout ExtensionList::layout() {
        Layout::space()});
 }
 
-std::string_view ExtensionList::key() const { return engine::jetKey(session_, "TEXT"); }
+Status ExtensionList::findKey() {
+  session_.jet.unreadable = ERROR_SUCCESS;
+  key_ = engine::jetKey(session_, "TEXT");
+  return session_.jet.unreadable;
+}
 
-Status ExtensionList::stored(std::string& list) const {
+Status ExtensionList::stored(std::string& list) {
+  const Status found = findKey();
+  if (found != ERROR_SUCCESS) return found;
   engine::RawValue value;
-  const Status status = engine::readRawValue(session_.registry(), HKLM, key(), kExtensions, value);
+  const Status status = engine::readRawValue(session_.registry(), HKLM, key_, kExtensions, value);
   const bool isText = value.type == platform::REG_SZ || value.type == platform::REG_EXPAND_SZ;
   if (status == ERROR_SUCCESS && !isText) return platform::ERROR_INVALID_DATA;
   list = status == ERROR_SUCCESS ? value.text() : kWithoutValue;
@@ -130,16 +136,17 @@ void ExtensionList::read() {
   std::string list;
   const Status status = stored(list);
   session_.trace.dump("lRetVal&", status);
-  // As the format's other settings.
+  // As the format's other settings. What could not be looked at only seems not to be there.
   const engine::TweakState state =
       engine::availability(*engine::findTweak("P_MaxScanRows"), session_);
+  const Status failed = status != ERROR_SUCCESS ? status : session_.jet.unreadable;
   std::string reason(state.reason);
-  if (reason.empty() && status != ERROR_SUCCESS) {
-    reason = fmt::format("The list cannot be read: {}.", platform::describeStatus(status));
+  if (failed != ERROR_SUCCESS) {
+    reason = fmt::format("The list cannot be read: {}.", platform::describeStatus(failed));
   }
   enable(reason);
   lstExtensions_.WhatsThis =
-      fmt::format("The value Extensions of the key HKEY_LOCAL_MACHINE\\{}.", key());
+      fmt::format("The value Extensions of the key HKEY_LOCAL_MACHINE\\{}.", key_);
   show(list);
 }
 
@@ -176,7 +183,7 @@ bool ExtensionList::change(const Change& change) {
     if (status == ERROR_SUCCESS) status = stored(list);
     if (status == ERROR_SUCCESS) refusal = change(list);
     if (status == ERROR_SUCCESS && refusal.empty()) {
-      status = engine::putText(session_, HKLM, key(), kExtensions, list);
+      status = engine::putText(session_, HKLM, key_, kExtensions, list);
       if (status == ERROR_SUCCESS) status = bracket.commit();
     }
   }

@@ -23,9 +23,10 @@ class ExtensionList {
   void read();
 
  private:
-  // The value as it stands; a missing one is the list that Jet takes then.
-  platform::Status stored(std::string& list) const;
-  std::string_view key() const;
+  // Which key is meant; not success where that could not be told.
+  platform::Status findKey();
+  // The value of that key as it stands; a missing one is the list that Jet takes then.
+  platform::Status stored(std::string& list);
   void show(const std::string& list);
   // reason: why it cannot be used; "" where it can.
   void enable(const std::string& reason);
@@ -38,6 +39,7 @@ class ExtensionList {
 
   foundation::Session& session_;
   std::function<bool()> mayChange_;
+  std::string_view key_;
   forms::ListBox& lstExtensions_;
   forms::Label& lblExtensions_;
   forms::TextBox& txtExtension_;
