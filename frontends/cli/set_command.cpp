@@ -140,6 +140,8 @@ void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_v
   forms::Form& form = script.program().formBook().load(formName);
   for (Wish& wish : wishes) {
     if (wish.byDefault || wish.tweak->form != formName) continue;
+    // Rows are set by their names, whatever the window would show of them at the moment.
+    if (forms::Control* control = form.find(wish.tweak->control)) control->Visible = true;
     if (isTextRow(*wish.tweak)) {
       fillField(form, wish.tweak->control, wish.typed);
       // A list knows its items without regard to case.
