@@ -15,10 +15,10 @@
 namespace korvex::cli {
 namespace {
 
-constexpr std::array<AddCommands, 11> kGroups{
-    addMachineCommands,  addListCommand,    addShowCommand,      addSetCommand,
-    addRegCommands,      addBackupCommands, addSetOfCommands,    addAssociationCommands,
-    addPasswordCommands, addFormCommands,   addCompletionCommand};
+constexpr std::array kGroups{addMachineCommands,  addListCommand,         addShowCommand,
+                             addSetCommand,       addRegCommands,         addBackupCommands,
+                             addSetOfCommands,    addAssociationCommands, addContextMenuCommands,
+                             addPasswordCommands, addFormCommands,        addCompletionCommand};
 
 constexpr const char* kFooter =
     "Examples:\n"

@@ -18,6 +18,7 @@ void addRegCommands(CLI::App& app, Run& run);
 void addBackupCommands(CLI::App& app, Run& run);
 void addSetOfCommands(CLI::App& app, Run& run);
 void addAssociationCommands(CLI::App& app, Run& run);
+void addContextMenuCommands(CLI::App& app, Run& run);
 void addPasswordCommands(CLI::App& app, Run& run);
 void addFormCommands(CLI::App& app, Run& run);
 void addCompletionCommand(CLI::App& app, Run& run);

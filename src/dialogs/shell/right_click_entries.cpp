@@ -381,29 +381,32 @@ Status RightClickEntries::keep(const std::string& key, const std::string& name) 
   return there ? ofUser_.removeTree(key, name) : status;
 }
 
-// Takes the entry's verb out of the class. What is not as it was added is kept.
+// What stands there and is not as it was added is kept, and goes.
+Status RightClickEntries::setAside(const RightClickEntry& entry, State& state) {
+  const Status status = stateOf(entry, state);
+  if (status != ERROR_SUCCESS || state != State::Changed) return status;
+  state = State::Missing;
+  return keep(entry.key(), fmt::format("{} ({})", entry.line(), entry.p_FillType()));
+}
+
+// Takes the entry's verb out of the class.
 Status RightClickEntries::clear(const std::string& className, const RightClickEntry& entry) {
   RightClickEntry there = entry;
   there.className = className;
   State state{};
-  Status status = stateOf(there, state);
+  Status status = setAside(there, state);
   if (status != ERROR_SUCCESS || state == State::Missing) return status;
-  const std::string key = there.key();
-  if (state == State::Changed) {
-    return keep(key, fmt::format("{} ({})", there.line(), there.p_FillType()));
-  }
-  status = session_.regTool.DeleteRegNodes(HKCR, key + "\\command");
-  return status == ERROR_SUCCESS ? session_.regTool.DeleteRegNodes(HKCR, key) : status;
+  status = session_.regTool.DeleteRegNodes(HKCR, there.key() + "\\command");
+  return status == ERROR_SUCCESS ? session_.regTool.DeleteRegNodes(HKCR, there.key()) : status;
 }
 
 Status RightClickEntries::add(const RightClickEntry& entry) {
   std::vector<RightClickEntry> own;
   Status status = records(own);
   for (const RightClickEntry& before : own) {
-    if (status != ERROR_SUCCESS) break;
-    const bool replaced =
-        sameName(before.className, entry.className) && sameName(before.verb, entry.verb);
-    if (replaced) status = clear(before.className, before);
+    State state{};
+    const bool replaced = sameName(recordName(before), recordName(entry));
+    if (status == ERROR_SUCCESS && replaced) status = setAside(before, state);
   }
   const std::string key = entry.key();
   if (status == ERROR_SUCCESS) {

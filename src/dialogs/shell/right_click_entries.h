@@ -88,6 +88,7 @@ class RightClickEntries {
                            const std::string& verb, bool& taken) const;
   platform::Status freeVerb(const std::vector<RightClickEntry>& own, RightClickEntry& entry) const;
   platform::Status wouldLead(const RightClickEntry& entry, bool& leads) const;
+  platform::Status setAside(const RightClickEntry& entry, State& state);
   platform::Status clear(const std::string& className, const RightClickEntry& entry);
   platform::Status keep(const std::string& key, const std::string& name);
   platform::Status dropEmpty(const std::string& className);
