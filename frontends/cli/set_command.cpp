@@ -13,6 +13,7 @@
 #include "cli/steps.h"
 #include "cli/tweak_json.h"
 #include "cli/tweak_names.h"
+#include "dialogs/office/frm_office.h"
 #include "dialogs/office/running_applications.h"
 #include "engine/readers.h"
 #include "engine/tweak_controls.h"
@@ -165,11 +166,21 @@ void applyOnForm(ScriptProgram& script, std::vector<Wish>& wishes, std::string_v
   }
 }
 
+// What Apply does before its first change of Jet.
+void saveJet(ScriptProgram& script, const Tweak& tweak, const AnswerScript& prompts) {
+  if (tweak.bank != engine::Bank::Office || tweak.root != engine::HKLM) return;
+  forms::Form& office = script.program().formBook().load(tweak.form);
+  const bool goOn = dynamic_cast<dialogs::frmOffice&>(office).backUpJetOnce();
+  throwIfUnanswered(prompts);
+  if (!goOn) throw Failure(ExitCode::Failed, "refused", prompts.lastText());
+}
+
 void applyDefaults(ScriptProgram& script, std::vector<Wish>& wishes, const AnswerScript& prompts) {
   program::Program& program = script.program();
   for (Wish& wish : wishes) {
     if (!wish.byDefault) continue;
     wish.applied = true;
+    saveJet(script, *wish.tweak, prompts);
     program.session().g_bDefaulting = true;
     program.regWorker().call(wish.tweak->property);
     program.session().g_bDefaulting = false;

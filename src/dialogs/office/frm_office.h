@@ -23,6 +23,10 @@ class frmOffice : public TweakDialog {
   void Load() override;
   void Unload() override;
 
+  // Before a change of Jet that does not go through Apply: its keys are saved, once for all. False
+  // where that failed and the person does not want to go on without.
+  bool backUpJetOnce() { return jet_.backUpOnce(); }
+
   forms::TabStrip tabOffice;
   forms::Label lblOffice{*this, "lblOffice", "Only MS Office 97 && 2000 supported"};
   forms::CommandButton cmdDefaults{*this, "cmdDefaults", "&Restore Defaults"};

@@ -32,6 +32,9 @@ constexpr std::array kSavedKeys{
     SavedKey{"jetaccess.reg", "Software\\Microsoft\\Access"},
 };
 
+// The file of a key that was not there: putting it back takes away what came since.
+constexpr std::string_view kNoSuchKey = "REGEDIT4\r\n\r\n; There was no such key.\r\n";
+
 // Of a message box: No answers Enter.
 constexpr int kSecondButton = 0x100;
 
@@ -57,21 +60,33 @@ std::string JetBackups::fileOf(std::string_view name) const {
 
 std::string JetBackups::saveMissing() {
   std::vector<KeyBackup> wanted;
+  std::vector<std::string> ofNoKey;
   for (const SavedKey& saved : kSavedKeys) {
-    const platform::OpenKey key(session_.registry(), HKLM, saved.key, platform::KEY_READ);
-    const bool isThere = key.status() != platform::ERROR_FILE_NOT_FOUND;
     const std::string file = fileOf(saved.file);
-    if (isThere && !session_.files().exists(file)) {
+    if (session_.files().exists(file)) continue;
+    const platform::OpenKey key(session_.registry(), HKLM, saved.key, platform::KEY_READ);
+    if (key.status() == platform::ERROR_FILE_NOT_FOUND) {
+      ofNoKey.push_back(file);
+    } else {
       wanted.push_back({HKLM, std::string(saved.key), file});
     }
   }
-  if (wanted.empty()) return {};
+  if (wanted.empty() && ofNoKey.empty()) return {};
   const Status made = session_.files().createFolder(folder());
   session_.trace.dump("lRetVal&", made);
   if (made != ERROR_SUCCESS && made != platform::ERROR_ALREADY_EXISTS) {
     return fmt::format("{}: {}.", folder(), platform::describeStatus(made));
   }
   std::string failures;
+  for (const std::string& file : ofNoKey) {
+    const Status status = session_.files().replace(file, kNoSuchKey);
+    session_.trace.dump("lRetVal&", status);
+    if (status != ERROR_SUCCESS) {
+      failures += fmt::format("{}{}: {}.", failures.empty() ? "" : kCrLf, file,
+                              platform::describeStatus(status));
+    }
+  }
+  if (wanted.empty()) return failures;
   for (const backup::KeyBackupResult& result : backer_.backupKeys(wanted)) {
     session_.trace.dump("lRetVal&", result.status);
     if (result.saved) continue;
@@ -107,9 +122,13 @@ bool JetBackups::restore() {
     std::uint32_t attributes = 0;
     if (isMissing(session_.files().attributes(restore.file, attributes))) continue;
     RestoreItem item;
-    const bool differs = compareSavedKey(session_, restore, restore.file, item);
+    const std::string file = restore.file;
     std::string text;
-    if (item.restorable && session_.files().read(restore.file, text) == ERROR_SUCCESS &&
+    const Status read = session_.files().read(file, text);
+    const bool wasThere = read != ERROR_SUCCESS || text != kNoSuchKey;
+    if (!wasThere) restore.file.clear();
+    const bool differs = compareSavedKey(session_, restore, file, item);
+    if (item.restorable && wasThere && read == ERROR_SUCCESS &&
         !isWhole(std::move(text), saved.key)) {
       item.restorable = false;
       item.problems.push_back(restore.file + ": it is not what was saved.");

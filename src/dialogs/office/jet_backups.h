@@ -18,7 +18,7 @@ class JetBackups {
   JetBackups(foundation::Session& session, backup::RegistryBacker& backer)
       : session_(session), backer_(backer) {}
 
-  // Saves each key whose file is not there yet; a key that is not there has nothing to save. A
+  // Saves each key whose file is not there yet; of a key that is not there the file says so. A
   // failure is told, once while nothing is about to be changed; before a change the person says
   // whether to go on without: false for no.
   enum class When { Opening, BeforeChange };
