@@ -362,9 +362,14 @@ bool frmRightClick::p_FillEntries() {
                                 ? "Puts back what was removed last and not as Korvex wrote it"
                                 : "Nothing was kept: what was removed was as Korvex wrote it.";
   if (status == ERROR_SUCCESS) return true;
-  tell(fmt::format("The entries could not be read: {}.", platform::describeStatus(status)),
-       platform::kIconExclamation);
+  tellUnread(status);
   return false;
+}
+
+void frmRightClick::tellUnread(Status status) {
+  tell(fmt::format("The entries could not be read: {}.\r\nNothing was changed.",
+                   platform::describeStatus(status)),
+       platform::kIconExclamation);
 }
 
 void frmRightClick::showRemovalPage() {
@@ -400,7 +405,8 @@ void frmRightClick::DoTheActualWorkRemove() {
   const bool asShown = std::ranges::all_of(chosen, [&now](const RightClickEntry& entry) {
     return std::ranges::find(now, entry) != now.end();
   });
-  if (status == ERROR_SUCCESS && !asShown) {
+  if (status != ERROR_SUCCESS) return tellUnread(status);
+  if (!asShown) {
     p_FillEntries();
     return tell("The entries have been changed meanwhile. Please choose once more.");
   }

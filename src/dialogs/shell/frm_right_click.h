@@ -98,6 +98,7 @@ class frmRightClick : public DirectDialog {
   platform::Status commit(const Step& step, const RightClickEntry& entry);
   void refuse(const RightClickEntries::Refusal& refusal);
   bool p_FillEntries();
+  void tellUnread(platform::Status status);
   void DoTheActualWorkRemove();
   std::string remove(const std::vector<RightClickEntry>& chosen);
   void showSelected();
