@@ -14,18 +14,23 @@
 #include "dialogs/logon/frm_password.h"
 #include "dialogs/network/frm_ip_addresses.h"
 #include "dialogs/network/frm_nt_ip_forward.h"
+#include "dialogs/nt/frm_dos_colors.h"
 #include "dialogs/nt/frm_dr_wat.h"
 #include "dialogs/nt/frm_l2_cache.h"
 #include "dialogs/nt/frm_nt4_win2k_cont.h"
 #include "dialogs/nt/frm_nt_debug.h"
 #include "dialogs/nt/frm_nt_heap_size.h"
 #include "dialogs/nt/frm_nt_server.h"
+#include "dialogs/nt/frm_screensaver.h"
 #include "dialogs/office/frm_mrus.h"
 #include "dialogs/office/frm_office.h"
 #include "dialogs/office/running_applications.h"
+#include "dialogs/shell/frm_drives.h"
 #include "dialogs/shell/frm_fa.h"
 #include "dialogs/shell/frm_moniker.h"
+#include "dialogs/shell/frm_restrict_run.h"
 #include "dialogs/shell/frm_right_click.h"
+#include "dialogs/shell/frm_run_once.h"
 #include "dialogs/system/frm_fast_file_access.h"
 #include "dialogs/system/frm_ie_title_bar.h"
 #include "dialogs/system/frm_more_security.h"
@@ -88,7 +93,15 @@ constexpr std::array kDialogs{
               make<dialogs::frmMoniker>},
     DialogRow{{dialogs::frmIETitleBar::kName, "The title bar of Internet Explorer"},
               make<dialogs::frmIETitleBar>},
+    DialogRow{{dialogs::frmDrives::kName, "Drives that Explorer hides"}, make<dialogs::frmDrives>},
+    DialogRow{{dialogs::frmRestrictRun::kName, "The only programs that may run"}},
+    DialogRow{{dialogs::frmScreensaver::kName, "The screen saver at the logon prompt of NT"},
+              make<dialogs::frmScreensaver>},
+    DialogRow{{dialogs::frmDOSColors::kName, "Colors of the command prompt of NT"},
+              make<dialogs::frmDOSColors>},
     DialogRow{{dialogs::frmFA::kName, "File associations"}},
+    DialogRow{{dialogs::frmRunOnce::kName, "Programs that Windows starts by itself"},
+              make<dialogs::frmRunOnce>},
     DialogRow{{dialogs::frmRestore::kName, "What a restore would change"}},
     DialogRow{{dialogs::frmAbout::kName, "Version and machine"}},
 };
@@ -149,6 +162,9 @@ void Program::addDialogs(const dialogs::DialogParts& parts) {
                 [this] { return std::make_unique<dialogs::frmPassword>(session_, password_); });
   formBook_.add(dialogs::frmLogon_Bitmap::kName, [this, parts] {
     return std::make_unique<dialogs::frmLogon_Bitmap>(parts, logonBitmapDesk_);
+  });
+  formBook_.add(dialogs::frmRestrictRun::kName, [this, parts] {
+    return std::make_unique<dialogs::frmRestrictRun>(parts, logonBitmapDesk_);
   });
   formBook_.add(dialogs::frmAbout::kName,
                 [this] { return std::make_unique<dialogs::frmAbout>(session_); });
