@@ -3,6 +3,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QFontDatabase>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -93,6 +94,23 @@ Qt::CheckState checkState(int value) {
 }
 
 QString asLines(std::string_view text) { return toQt(text).replace("\r\n", "\n"); }
+
+// A label with colors is a piece of a console.
+void paint(const forms::Label& control, QLabel& label) {
+  const auto& back = control.BackColor.get();
+  const auto& fore = control.ForeColor.get();
+  if (!back && !fore) return;
+  QPalette palette = label.palette();
+  const auto color = [](std::uint32_t bgr) {
+    return QColor(bgr & 255, bgr >> 8 & 255, bgr >> 16 & 255);
+  };
+  if (back) palette.setColor(label.backgroundRole(), color(*back));
+  if (fore) palette.setColor(label.foregroundRole(), color(*fore));
+  label.setPalette(palette);
+  label.setAutoFillBackground(back.has_value());
+  label.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  label.setMargin(label.fontMetrics().height() / 2);
+}
 
 void setTabs(const forms::TabStrip& strip, QTabBar& bar) {
   for (int i = 0; i < bar.count(); ++i) {
@@ -224,6 +242,9 @@ QWidget* ControlWidgets::makeLabel(forms::Label& control, QWidget* parent) {
     label->setWordWrap(wrap);
     if (wrap) label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum);
   });
+  const auto color = [&control, label] { paint(control, *label); };
+  bindings_.follow(control.BackColor, color);
+  bindings_.on(control.ForeColor.changed, color);
   return label;
 }
 

@@ -3,12 +3,14 @@
 #include "qt/list_widgets.h"
 
 #include <QAbstractListModel>
+#include <QApplication>
 #include <QComboBox>
 #include <QCompleter>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QScrollBar>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QTimer>
 #include <algorithm>
@@ -23,6 +25,26 @@ constexpr int kListWidth = 30;  // characters
 constexpr int kWidestList = 50;
 constexpr int kFewestRows = 3;
 
+QVariant pictureOf(forms::ItemPicture picture) {
+  const auto standard = [](QStyle::StandardPixmap pixmap) -> QVariant {
+    return QApplication::style()->standardIcon(pixmap);
+  };
+  switch (picture) {
+    case forms::ItemPicture::Floppy:
+      return standard(QStyle::SP_DriveFDIcon);
+    case forms::ItemPicture::HardDisk:
+    case forms::ItemPicture::RamDisk:  // there is no picture of one
+      return standard(QStyle::SP_DriveHDIcon);
+    case forms::ItemPicture::CdRom:
+      return standard(QStyle::SP_DriveCDIcon);
+    case forms::ItemPicture::Network:
+      return standard(QStyle::SP_DriveNetIcon);
+    case forms::ItemPicture::None:
+      break;
+  }
+  return {};
+}
+
 class ItemModel : public QAbstractListModel {
  public:
   ItemModel(const forms::ListControl& control, QObject* parent)
@@ -32,9 +54,21 @@ class ItemModel : public QAbstractListModel {
     return parent.isValid() ? 0 : shown_;
   }
   QVariant data(const QModelIndex& index, int role) const override {
-    const bool text = role == Qt::DisplayRole || role == Qt::EditRole;
-    if (!text || index.row() >= control_.ListCount()) return {};
-    return toQt(control_.items()[static_cast<std::size_t>(index.row())]);
+    if (index.row() >= control_.ListCount()) return {};
+    const forms::ItemPicture picture = control_.picture(index.row());
+    const QString text = toQt(control_.items()[static_cast<std::size_t>(index.row())]);
+    switch (role) {
+      case Qt::DisplayRole:
+      case Qt::EditRole:
+        return text;
+      case Qt::DecorationRole:
+        return pictureOf(picture);
+      case Qt::AccessibleTextRole:
+        if (picture == forms::ItemPicture::None) return {};
+        return text + ", " + toQt(forms::pictureName(picture));
+      default:
+        return {};
+    }
   }
   Qt::ItemFlags flags(const QModelIndex& index) const override {
     const auto* list = dynamic_cast<const forms::ListBox*>(&control_);

@@ -49,7 +49,29 @@ std::string ListControl::selectedItem() const {
   return index < 0 || index >= ListCount() ? "" : items_[static_cast<std::size_t>(index)];
 }
 
-void ListControl::AddItem(std::string item) {
+std::string_view pictureName(ItemPicture picture) {
+  switch (picture) {
+    case ItemPicture::Floppy:
+      return "floppy disk drive";
+    case ItemPicture::HardDisk:
+      return "hard disk";
+    case ItemPicture::CdRom:
+      return "CD-ROM drive";
+    case ItemPicture::Network:
+      return "network drive";
+    case ItemPicture::RamDisk:
+      return "RAM disk";
+    case ItemPicture::None:
+      break;
+  }
+  return "";
+}
+
+void ListControl::AddItem(std::string item, ItemPicture picture) {
+  if (picture != ItemPicture::None) {
+    pictures_.resize(items_.size(), ItemPicture::None);
+    pictures_.push_back(picture);
+  }
   items_.push_back(std::move(item));
   itemInserted();
   itemsChanged.raise();
@@ -61,6 +83,9 @@ void ListControl::RemoveItem(int index) {
   // No handler may see an index past the end, or one that names another item than before.
   if (selected == index) ListIndex = -1;
   items_.erase(items_.begin() + index);
+  if (static_cast<std::size_t>(index) < pictures_.size()) {
+    pictures_.erase(pictures_.begin() + index);
+  }
   itemErased(index);
   if (selected > index) ListIndex = selected - 1;
   itemsChanged.raise();
@@ -69,8 +94,14 @@ void ListControl::RemoveItem(int index) {
 void ListControl::Clear() {
   ListIndex = -1;
   items_.clear();
+  pictures_.clear();
   itemsCleared();
   itemsChanged.raise();
+}
+
+ItemPicture ListControl::picture(int index) const {
+  const auto at = static_cast<std::size_t>(index);
+  return index < 0 || at >= pictures_.size() ? ItemPicture::None : pictures_[at];
 }
 
 ListBox::ListBox(Form& form, std::string name, int visibleRows)

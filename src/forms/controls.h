@@ -1,7 +1,10 @@
 // The kinds of controls. Assigning a value from code raises the same event as the user's hand.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -58,18 +61,24 @@ class TextBox : public Control {
   TextBoxOptions options_;
 };
 
+// A small picture before the text of an item, where it stands for a drive.
+enum class ItemPicture { None, Floppy, HardDisk, CdRom, Network, RamDisk };
+// What it shows, for those who cannot see it: "hard disk"; "" for None.
+std::string_view pictureName(ItemPicture picture);
+
 // What lists and combo boxes share: items, and the index of the selected one (-1 for none).
 class ListControl : public Control {
  public:
   using Control::Control;
   std::string stateText() const override;
 
-  void AddItem(std::string item);
+  void AddItem(std::string item, ItemPicture picture = ItemPicture::None);
   void RemoveItem(int index);  // the selection goes with a selected item
   void Clear();
   const std::vector<std::string>& items() const { return items_; }
   int ListCount() const { return static_cast<int>(items_.size()); }
   std::string selectedItem() const;  // "" for none
+  ItemPicture picture(int index) const;
 
   Property<int> ListIndex{-1};
   Event Click;         // raised whenever ListIndex changes
@@ -83,6 +92,7 @@ class ListControl : public Control {
   virtual void itemsCleared() {}
 
   std::vector<std::string> items_;
+  std::vector<ItemPicture> pictures_;  // of the first items; the others have none
 };
 
 class ListBox : public ListControl {
@@ -186,12 +196,17 @@ class CommandButton : public Control {
   Role role_;
 };
 
-// A text; with a buddy its mnemonic moves to that control, and names it for screen readers.
+// A text; with a buddy its mnemonic moves to that control, and names it for screen readers. One
+// with colors is a sample of a console's text: it has them and a font of fixed width.
 class Label : public Control {
  public:
   Label(Form& form, std::string name, std::string caption, Control* buddy = nullptr);
   std::string stateText() const override;
   Control* buddy() const { return buddy_; }
+
+  // 0x00BBGGRR, as Windows keeps it; nothing is what the look of the program has.
+  Property<std::optional<std::uint32_t>> BackColor;
+  Property<std::optional<std::uint32_t>> ForeColor;
 
  private:
   Control* buddy_;

@@ -9,7 +9,7 @@
 
 namespace korvex::platform {
 
-// Message box style: buttons in the low four bits, icon in the next four.
+// Message box style: buttons in the low four bits, icon in the next four, then the default button.
 constexpr int kButtonsOk = 0;
 constexpr int kButtonsOkCancel = 1;
 constexpr int kButtonsYesNoCancel = 3;
@@ -18,6 +18,7 @@ constexpr int kIconCritical = 16;
 constexpr int kIconQuestion = 32;
 constexpr int kIconExclamation = 48;
 constexpr int kIconInformation = 64;
+constexpr int kDefaultButton2 = 256;  // has the focus at first; else the first one
 constexpr int kButtonsMask = 0x0F;
 constexpr int kIconMask = 0xF0;
 
