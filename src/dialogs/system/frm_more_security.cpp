@@ -3,11 +3,28 @@
 
 namespace korvex::dialogs {
 
+namespace {
+
+constexpr std::string_view kMore = "More";
+constexpr Opener kRestrictRun{"cmdRestrictRun", "&Run only allowed Windows applications",
+                              "Opens a window with the only programs that may run",
+                              "frmRestrictRun"};
+constexpr Opener kHideDrives{"cmdHideDrives", "Choose...",
+                             "Opens a window with the drives that Explorer hides", "frmDrives"};
+
+}  // namespace
+
 frmMoreSecurity::frmMoreSecurity(const DialogParts& parts)
     : TweakDialog(kName, "Korvex...for Power Users - Security Options", engine::Bank::MoreSecurity,
                   parts) {
   enclose(fraWin9x);
   enclose(fraExplorer);
+  addOpener(kMore, kRestrictRun);
+  forms::CommandButton* drives = makeOpener(*this, parts, kHideDrives);
+  if (drives == nullptr) return;
+  auto& label = own<forms::Label>("lblHideDrives", "Hide dri&ves in My Computer", drives);
+  addTo(kMore, forms::Layout::row(
+                   {forms::Layout::of(label), forms::Layout::of(*drives), forms::Layout::space()}));
 }
 
 bool frmMoreSecurity::accepts(const engine::Tweak& tweak, const forms::CheckBox& box) {
