@@ -54,7 +54,7 @@ class ItemModel : public QAbstractListModel {
     return parent.isValid() ? 0 : shown_;
   }
   QVariant data(const QModelIndex& index, int role) const override {
-    if (index.row() >= control_.ListCount()) return {};
+    if (index.row() < 0 || index.row() >= control_.ListCount()) return {};
     const forms::ItemPicture picture = control_.picture(index.row());
     const QString text = toQt(control_.items()[static_cast<std::size_t>(index.row())]);
     switch (role) {
