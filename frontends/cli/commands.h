@@ -19,6 +19,7 @@ void addBackupCommands(CLI::App& app, Run& run);
 void addSetOfCommands(CLI::App& app, Run& run);
 void addAssociationCommands(CLI::App& app, Run& run);
 void addContextMenuCommands(CLI::App& app, Run& run);
+void addDrivesCommands(CLI::App& app, Run& run);
 void addPasswordCommands(CLI::App& app, Run& run);
 void addFormCommands(CLI::App& app, Run& run);
 void addCompletionCommand(CLI::App& app, Run& run);
