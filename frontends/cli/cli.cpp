@@ -18,7 +18,8 @@ namespace {
 constexpr std::array kGroups{addMachineCommands,  addListCommand,         addShowCommand,
                              addSetCommand,       addRegCommands,         addBackupCommands,
                              addSetOfCommands,    addAssociationCommands, addContextMenuCommands,
-                             addPasswordCommands, addFormCommands,        addCompletionCommand};
+                             addDrivesCommands,   addPasswordCommands,    addFormCommands,
+                             addCompletionCommand};
 
 constexpr const char* kFooter =
     "Examples:\n"
