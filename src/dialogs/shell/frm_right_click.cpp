@@ -43,7 +43,9 @@ std::string counted(std::size_t count) {
 frmRightClick::frmRightClick(const DialogParts& parts)
     : DirectDialog(kName, "Korvex...for Power Users - Right Click Menus", parts),
       entries_(parts.session) {
-  pages_ = {{kIntroduction, &fraIntroduction, {&lblIntroduction, &lblGuide, &optAdd, &optRemove}},
+  pages_ = {{kIntroduction,
+             &fraIntroduction,
+             {&lblIntroduction, &lblGuide, &optAdd, &optRemove, &txtPresent, &lblPresent}},
             {kFileTypes, &fraFileTypes, {&lblFileTypes, &lstFileTypes}},
             {kEntry,
              &fraEntry,
@@ -98,6 +100,7 @@ void frmRightClick::describe() {
   lblRemovedText.Caption = "You have successfully removed the right click menu(s) you desired.";
   optAdd.ToolTipText = "Goes on to the file types";
   optRemove.ToolTipText = "Goes on to the entries that Korvex has added";
+  txtPresent.ToolTipText = "What Korvex has added to right click menus by now";
   lstFileTypes.AccessibleName = "File types";
   lstFileTypes.ToolTipText = "The file types that get a further entry; several can be selected";
   lstFileTypes.WhatsThis =
@@ -130,7 +133,8 @@ void frmRightClick::arrange() {
     return part;
   };
   layout = Layout::column(
-      {group(fraIntroduction, {of(lblIntroduction), of(lblGuide), of(optAdd), of(optRemove)}),
+      {group(fraIntroduction, {of(lblIntroduction), of(lblGuide), of(optAdd), of(optRemove),
+                               of(lblPresent), of(txtPresent)}),
        group(fraFileTypes, {Layout::row({of(lblFileTypes), of(lstFileTypes)})}),
        group(fraEntry,
              {of(lblEnterText), Layout::row({of(lblText), of(txtText)}), of(lblEnterPath),
@@ -153,6 +157,17 @@ void frmRightClick::readMachine() {
   txtPath.Text = "";
   StatusText = "";
   p_PageCount(kIntroduction);
+  showPresent();
+}
+
+// Also for Back: what was committed meanwhile is one of them.
+void frmRightClick::showPresent() {
+  noteRead(entries_.p_DetermineRightClickEntries(shown_));
+  std::string lines;
+  for (const RightClickEntry& entry : shown_) {
+    lines += fmt::format("{}: {}  {}\r\n", entry.p_FillType(), entry.text, entry.command);
+  }
+  txtPresent.Text = lines.empty() ? "There is no entry that Korvex has added." : lines;
 }
 
 void frmRightClick::p_PageCount(int page) {
@@ -252,6 +267,7 @@ void frmRightClick::cmdBack_Click() {
     return p_PageCount(kEntry);
   }
   p_PageCount(onEntry ? kFileTypes : kIntroduction);
+  if (page_ == kIntroduction) showPresent();
 }
 
 // What was typed for a type that is still selected stays.
@@ -373,8 +389,10 @@ void frmRightClick::tellUnread(Status status) {
 }
 
 void frmRightClick::showRemovalPage() {
-  if (!p_FillEntries()) return;
-  StatusText = shown_.empty() ? "There is no entry that Korvex has added." : counted(shown_.size());
+  if (p_FillEntries()) {
+    StatusText =
+        shown_.empty() ? "There is no entry that Korvex has added." : counted(shown_.size());
+  }
 }
 
 void frmRightClick::showSelected() {

@@ -24,10 +24,15 @@ class frmRightClick : public DirectDialog {
   forms::OptionButton optAdd{*this, "optAdd", "&Add entries to right click menus", "choice"};
   forms::OptionButton optRemove{*this, "optRemove", "&Remove entries that were added before",
                                 "choice"};
+  forms::TextBox txtPresent{
+      *this,
+      "txtPresent",
+      {.widthInCharacters = 50, .multiLine = true, .readOnly = true, .rows = 6, .wraps = false}};
+  forms::Label lblPresent{*this, "lblPresent", "&Present entries:", &txtPresent};
 
   forms::Frame fraFileTypes{*this, "fraFileTypes", "File types"};
   forms::Label lblFileTypes{*this, "lblFileTypes", ""};
-  forms::MultiList lstFileTypes{*this, "lstFileTypes", 12};
+  forms::MultiList lstFileTypes{*this, "lstFileTypes", 16};
 
   forms::Frame fraEntry{*this, "fraEntry", ""};
   forms::Label lblEnterText{*this, "lblEnterText", ""};
@@ -46,7 +51,7 @@ class frmRightClick : public DirectDialog {
 
   forms::Frame fraRemoval{*this, "fraRemoval", "Removal"};
   forms::Label lblRemoval{*this, "lblRemoval", ""};
-  forms::MultiList lstEntries{*this, "lstEntries", 9};
+  forms::MultiList lstEntries{*this, "lstEntries", 12};
   forms::TextBox txtEntry{*this, "txtEntry", {.widthInCharacters = 60, .readOnly = true}};
   forms::Label lblEntry{*this, "lblEntry", "&Selected:", &txtEntry};
   forms::CommandButton cmdTakeBack{*this, "cmdTakeBack", "&Take back..."};
@@ -84,6 +89,7 @@ class frmRightClick : public DirectDialog {
   void arrange();
   void p_PageCount(int page);
   void showButtons();
+  void showPresent();
   void showEntryPage();
   void showRemovalPage();
   void cmdWizardNext_Click();
