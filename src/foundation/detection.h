@@ -33,6 +33,10 @@ void initializeProfileFolders(Session& session);
 // Writes what does not stand there already; tells the person where that fails.
 void registerProgramPath(Session& session);
 
+// What "%USERPROFILE%" stands for, without a backslash at its end. NT knows it; 95, 98 and Me have
+// no such variable: there it is the reconciled profile, or without profiles the Windows folder.
+std::string userFolder(Session& session);
+
 // Dotted numbers, a one-digit minor version padded to two ("4.00.1381.4", "4.10.2222.0"), and the
 // words of the set flags ("4.00.1381.4 Debug Patched "). "" for a file without a version.
 std::string GetFileVersion(Session& session, std::string_view sFile);

@@ -64,20 +64,6 @@ constexpr std::array kFolders{
 };
 // clang-format on
 
-// What "%USERPROFILE%" stands for. NT knows it; 95, 98 and Me have no such variable: there it is
-// the reconciled profile, or without profiles the Windows folder.
-std::string userFolder(Session& session) {
-  std::string folder = session.machine().systemInfo().ExpandEnvironmentStringsA(kUser);
-  if (folder != kUser) return folder;
-  if (session.g_bNT) return session.pd.PreProfilePath + session.g_sCurrentUser;
-  folder = session.regTool.GetRegStr(
-      R"(Software\Microsoft\Windows\CurrentVersion\ProfileReconciliation)", "ProfileDirectory",
-      HKEY_CURRENT_USER);
-  if (folder.empty()) folder = session.g_sWinDir;
-  while (folder.ends_with('\\')) folder.pop_back();
-  return folder;
-}
-
 // The entry under Shell Folders; "" where it is missing.
 std::string shellFolder(Session& session, HKEY key, std::string_view entry) {
   const Variant value = session.regTool.GetRegValue(key, entry);
@@ -130,6 +116,18 @@ std::string phoneBookPath(const Session& session) {
 }
 
 }  // namespace
+
+std::string userFolder(Session& session) {
+  std::string folder = session.machine().systemInfo().ExpandEnvironmentStringsA(kUser);
+  if (folder != kUser) return folder;
+  if (session.g_bNT) return session.pd.PreProfilePath + session.g_sCurrentUser;
+  folder = session.regTool.GetRegStr(
+      R"(Software\Microsoft\Windows\CurrentVersion\ProfileReconciliation)", "ProfileDirectory",
+      HKEY_CURRENT_USER);
+  if (folder.empty()) folder = session.g_sWinDir;
+  while (folder.ends_with('\\')) folder.pop_back();
+  return folder;
+}
 
 void initializeProfileFolders(Session& session) {
   session.trace.enter("[p_InitializeProfileDirInfo]");

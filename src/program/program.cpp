@@ -16,6 +16,7 @@
 #include "dialogs/network/frm_nt_ip_forward.h"
 #include "dialogs/nt/frm_dos_colors.h"
 #include "dialogs/nt/frm_dr_wat.h"
+#include "dialogs/nt/frm_ex_prof_dirs.h"
 #include "dialogs/nt/frm_l2_cache.h"
 #include "dialogs/nt/frm_nt4_win2k_cont.h"
 #include "dialogs/nt/frm_nt_debug.h"
@@ -31,6 +32,9 @@
 #include "dialogs/shell/frm_restrict_run.h"
 #include "dialogs/shell/frm_right_click.h"
 #include "dialogs/shell/frm_run_once.h"
+#include "dialogs/shell/frm_shell_folders.h"
+#include "dialogs/shell/frm_start_menu_config.h"
+#include "dialogs/system/frm_add_remove.h"
 #include "dialogs/system/frm_fast_file_access.h"
 #include "dialogs/system/frm_ie_title_bar.h"
 #include "dialogs/system/frm_more_security.h"
@@ -99,6 +103,14 @@ constexpr std::array kDialogs{
               make<dialogs::frmScreensaver>},
     DialogRow{{dialogs::frmDOSColors::kName, "Colors of the command prompt of NT"},
               make<dialogs::frmDOSColors>},
+    DialogRow{{dialogs::frmAddRemove::kName, "Programs that can be uninstalled"},
+              make<dialogs::frmAddRemove>},
+    DialogRow{{dialogs::frmStartMenuConfig::kName, "The order of the Start menu"},
+              make<dialogs::frmStartMenuConfig>},
+    DialogRow{{dialogs::frmShellFolders::kName, "The special folders of the user"},
+              make<dialogs::frmShellFolders>},
+    DialogRow{{dialogs::frmExProfDirs::kName, "Folders that do not roam"},
+              make<dialogs::frmExProfDirs>},
     DialogRow{{dialogs::frmFA::kName, "File associations"}},
     DialogRow{{dialogs::frmRunOnce::kName, "Programs that Windows starts by itself"},
               make<dialogs::frmRunOnce>},
