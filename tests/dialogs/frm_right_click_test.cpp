@@ -9,9 +9,9 @@ namespace {
 using platform::Answer;
 
 const std::string kRecords = "HKLM\\Software\\Korvex\\Right_Click";
-constexpr const char* kTool = "C:\\Program Files\\Note Pad.exe";
+constexpr const char* kTool = "C:\\Program Files\\50% Note%Pad.exe";
 constexpr const char* kOther = "C:\\other.exe";
-constexpr const char* kCommand = "\"\"C:\\Program Files\\Note Pad.exe\" \"%1\"\"";
+constexpr const char* kCommand = "\"\"C:\\Program Files\\50% Note%Pad.exe\" \"%1\"\"";
 
 class RightClick : public OnFailingMachine<frmRightClick> {
  public:
@@ -186,7 +186,7 @@ TEST_F(RightClick, TypesOfOneClassShareAnEntry) {
   add(".JPG", "View");
   ASSERT_EQ(1U, listed().size());
   window().lstEntries.ListIndex = 0;
-  EXPECT_EQ(".JPEG, .JPG: View  \"C:\\Program Files\\Note Pad.exe\" \"%1\"",
+  EXPECT_EQ(".JPEG, .JPG: View  \"C:\\Program Files\\50% Note%Pad.exe\" \"%1\"",
             window().txtEntry.Text.get());
   choose({".GIF"});
   enter("View", kTool);
