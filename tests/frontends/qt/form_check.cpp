@@ -15,7 +15,10 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolButton>
+#include <algorithm>
+#include <array>
 #include <map>
+#include <string>
 #include <utility>
 
 #include "engine/catalogue.h"
@@ -37,6 +40,14 @@ struct Placed {
   QWidget* widget;
   Path path;  // from the outermost part of the layout
 };
+
+// Given captions beside those of rows.
+const std::array<std::pair<std::string, std::string>, 4> kGivenCaptions{{
+    {"frmWinTweaksII", "cmdExplorerTitleBar"},
+    {"frmMoreSecurity", "cmdRestrictRun"},
+    {"frmMoreSecurity", "lblHideDrives"},
+    {"frmNT4_Win2KCont", "cmdScreensaver"},
+}};
 
 struct MnemonicOwner {
   std::string name;
@@ -203,7 +214,10 @@ class PageCheck {
   // the next.
   bool isGiven(const Control& control) const {
     const std::string& form = view_.form().name();
-    if (form == "frmWinTweaksII" && control.name() == "cmdExplorerTitleBar") return true;
+    if (std::ranges::find(kGivenCaptions, std::pair(form, control.name())) !=
+        kGivenCaptions.end()) {
+      return true;
+    }
     const engine::Tweak* row = engine::findTweakOf(form, control.name());
     return row != nullptr && (form != "frmMain" || row->adapt != nullptr);
   }
