@@ -1,6 +1,4 @@
 // Taking the command line apart, running the command, and telling how it failed.
-#include "cli/cli.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -8,6 +6,7 @@
 #include <cstdlib>
 #include <ostream>
 
+#include "cli/cli.h"
 #include "cli/commands.h"
 #include "cli/output.h"
 #include "cli/tweak_names.h"
@@ -18,8 +17,8 @@ namespace {
 constexpr std::array kGroups{addMachineCommands,  addListCommand,         addShowCommand,
                              addSetCommand,       addRegCommands,         addBackupCommands,
                              addSetOfCommands,    addAssociationCommands, addContextMenuCommands,
-                             addDrivesCommands,   addPasswordCommands,    addFormCommands,
-                             addCompletionCommand};
+                             addDrivesCommands,   addUninstallCommands,   addShellFolderCommands,
+                             addPasswordCommands, addFormCommands,        addCompletionCommand};
 
 constexpr const char* kFooter =
     "Examples:\n"

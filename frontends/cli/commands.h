@@ -20,6 +20,8 @@ void addSetOfCommands(CLI::App& app, Run& run);
 void addAssociationCommands(CLI::App& app, Run& run);
 void addContextMenuCommands(CLI::App& app, Run& run);
 void addDrivesCommands(CLI::App& app, Run& run);
+void addUninstallCommands(CLI::App& app, Run& run);
+void addShellFolderCommands(CLI::App& app, Run& run);
 void addPasswordCommands(CLI::App& app, Run& run);
 void addFormCommands(CLI::App& app, Run& run);
 void addCompletionCommand(CLI::App& app, Run& run);
