@@ -152,6 +152,8 @@ void frmStartMenuConfig::showWhatCanBeDone() {
   const std::string name = forms::captionOf(shownName());
   if (order == ERROR_SUCCESS) {
     lblState.Caption = fmt::format("{} has an order of its own.", name);
+  } else if (order == ERROR_FILE_NOT_FOUND && isRoot()) {
+    lblState.Caption = "Choose a folder to see whether it has an order of its own.";
   } else if (order == ERROR_FILE_NOT_FOUND) {
     lblState.Caption = fmt::format("{} is in alphabetical order.", name);
   } else {

@@ -123,7 +123,7 @@ constexpr std::string_view kOfOutlook = "APPDATA";
 
 bool isText(const RawValue& value) { return value.type == REG_SZ || value.type == REG_EXPAND_SZ; }
 
-bool samePlace(const RawValue& one, const RawValue& other) {
+bool sameData(const RawValue& one, const RawValue& other) {
   return one.type == other.type && one.bytes == other.bytes;
 }
 
@@ -143,7 +143,7 @@ bool ShellFolder::isDefault() const {
 }
 
 bool ShellFolder::operator==(const ShellFolder& other) const {
-  return sameName(name, other.name) && samePlace(plain, other.plain) && samePlace(user, other.user);
+  return sameName(name, other.name) && sameData(plain, other.plain) && sameData(user, other.user);
 }
 
 std::string_view ShellFolderPaths::plainKey() { return kPlainKey; }
@@ -253,11 +253,18 @@ RawValue ShellFolderPaths::userValue(const ShellFolder& folder, const std::strin
   return {keeps ? REG_EXPAND_SZ : REG_SZ, path + '\0'};
 }
 
+// What stands there already is not written again.
 Status ShellFolderPaths::write(const ShellFolder& folder, const std::string& path) const {
-  const Status status = engine::putText(session_, HKEY_CURRENT_USER, kPlainKey, folder.name, path);
-  if (status != ERROR_SUCCESS) return status;
-  return engine::putRaw(session_, HKEY_CURRENT_USER, kUserKey, folder.name,
-                        userValue(folder, path));
+  const RawValue plain{REG_SZ, path + '\0'};
+  const RawValue user = userValue(folder, path);
+  Status status = ERROR_SUCCESS;
+  if (!sameData(folder.plain, plain)) {
+    status = engine::putRaw(session_, HKEY_CURRENT_USER, kPlainKey, folder.name, plain);
+  }
+  if (status == ERROR_SUCCESS && !sameData(folder.user, user)) {
+    status = engine::putRaw(session_, HKEY_CURRENT_USER, kUserKey, folder.name, user);
+  }
+  return status;
 }
 
 std::vector<ShellFolder> ShellFolderPaths::withoutDefault(const std::vector<ShellFolder>& folders) {

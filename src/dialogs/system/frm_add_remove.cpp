@@ -21,7 +21,7 @@ std::string stateText(const UninstallProgram& program) {
     case UninstallProgram::State::Found:
       return fmt::format("{} is there.", program.file);
     case UninstallProgram::State::Missing:
-      return fmt::format("{} is missing: this entry is stale.", program.file);
+      return fmt::format("{} is missing: the entry may be stale.", program.file);
     case UninstallProgram::State::Unknown:
       break;
   }
