@@ -1,4 +1,6 @@
 // Taking the command line apart, running the command, and telling how it failed.
+#include "cli/cli.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -6,7 +8,6 @@
 #include <cstdlib>
 #include <ostream>
 
-#include "cli/cli.h"
 #include "cli/commands.h"
 #include "cli/output.h"
 #include "cli/tweak_names.h"
@@ -14,11 +15,11 @@
 namespace korvex::cli {
 namespace {
 
-constexpr std::array kGroups{addMachineCommands,  addListCommand,         addShowCommand,
-                             addSetCommand,       addRegCommands,         addBackupCommands,
-                             addSetOfCommands,    addAssociationCommands, addContextMenuCommands,
-                             addDrivesCommands,   addUninstallCommands,   addShellFolderCommands,
-                             addPasswordCommands, addFormCommands,        addCompletionCommand};
+constexpr std::array kGroups{
+    addMachineCommands,     addListCommand,      addShowCommand,     addSetCommand,
+    addRegCommands,         addBackupCommands,   addSetOfCommands,   addAssociationCommands,
+    addContextMenuCommands, addDrivesCommands,   addStartupCommands, addUninstallCommands,
+    addShellFolderCommands, addPasswordCommands, addFormCommands,    addCompletionCommand};
 
 constexpr const char* kFooter =
     "Examples:\n"

@@ -20,6 +20,7 @@ void addSetOfCommands(CLI::App& app, Run& run);
 void addAssociationCommands(CLI::App& app, Run& run);
 void addContextMenuCommands(CLI::App& app, Run& run);
 void addDrivesCommands(CLI::App& app, Run& run);
+void addStartupCommands(CLI::App& app, Run& run);
 void addUninstallCommands(CLI::App& app, Run& run);
 void addShellFolderCommands(CLI::App& app, Run& run);
 void addPasswordCommands(CLI::App& app, Run& run);
