@@ -9,6 +9,7 @@
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QPixmap>
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyledItemDelegate>
@@ -42,7 +43,11 @@ QVariant pictureOf(forms::ItemPicture picture) {
     case forms::ItemPicture::None:
       break;
   }
-  return {};
+  // The texts stand below each other all the same.
+  const int size = QApplication::style()->pixelMetric(QStyle::PM_SmallIconSize);
+  QPixmap blank(size, size);
+  blank.fill(Qt::transparent);
+  return QIcon(blank);
 }
 
 class ItemModel : public QAbstractListModel {
@@ -62,7 +67,7 @@ class ItemModel : public QAbstractListModel {
       case Qt::EditRole:
         return text;
       case Qt::DecorationRole:
-        return pictureOf(picture);
+        return control_.hasPictures() ? pictureOf(picture) : QVariant();
       case Qt::AccessibleTextRole:
         if (picture == forms::ItemPicture::None) return {};
         return text + ", " + toQt(forms::pictureName(picture));

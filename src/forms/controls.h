@@ -79,6 +79,7 @@ class ListControl : public Control {
   int ListCount() const { return static_cast<int>(items_.size()); }
   std::string selectedItem() const;  // "" for none
   ItemPicture picture(int index) const;
+  bool hasPictures() const { return !pictures_.empty(); }
 
   Property<int> ListIndex{-1};
   Event Click;         // raised whenever ListIndex changes

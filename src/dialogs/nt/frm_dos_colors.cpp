@@ -86,7 +86,13 @@ void frmDOSColors::showStatus() {
 }
 
 void frmDOSColors::choose() {
-  if (!session().g_bNoRecord) showSample();
+  if (!session().g_bNoRecord && cboText.Enabled) showSample();
+}
+
+void frmDOSColors::write(std::int32_t attribute) {
+  engine::changeAtOnce(session(), "The colors of command prompts",
+                       [&] { return writePromptColors(session(), attribute); });
+  readAgain();
 }
 
 void frmDOSColors::cmdApply_Click() {
@@ -97,17 +103,15 @@ void frmDOSColors::cmdApply_Click() {
         "Text and background have the same color: nothing could be read.\r\n"
         "Windows does not take such colors. Please choose another one.");
   }
-  const bool written = engine::changeAtOnce(session(), "The colors of command prompts", [&] {
-    return writePromptColors(session(), colors.attribute());
-  });
-  if (written) readAgain();
+  write(colors.attribute());
+  // Where it failed what was chosen stays chosen.
+  cboText.ListIndex = static_cast<int>(colors.text);
+  cboBackground.ListIndex = static_cast<int>(colors.background);
 }
 
 void frmDOSColors::cmdDefault_Click() {
   session().trace.enter("[frmDOSColors_cmdDefault]");
-  const bool written = engine::changeAtOnce(session(), "The colors of command prompts",
-                                            [this] { return writePromptColors(session(), 0); });
-  if (written) readAgain();
+  write(0);
 }
 
 }  // namespace korvex::dialogs

@@ -29,6 +29,7 @@ class frmDOSColors : public DirectDialog {
   void describe();
   void p_DetermineDOSColors();
   void choose();
+  void write(std::int32_t attribute);
   void cmdApply_Click();
   void cmdDefault_Click();
   ConsoleColors chosen() const;

@@ -86,7 +86,12 @@ bool frmDrives::p_UpdateNoDrives() {
   const DriveMask mask = marked();
   const bool written = engine::changeAtOnce(session(), "The list of hidden drives",
                                             [&] { return writeHiddenDrives(session(), mask); });
-  if (!written) return true;
+  if (!written) {
+    // It may stand there and have failed to reach the disk.
+    HiddenDrives now;
+    if (readHiddenDrives(session(), now) == platform::ERROR_SUCCESS) shown_ = now;
+    return true;
+  }
   session().g_bRebootNeeded = true;
   shown_ = {true, {platform::REG_BINARY, mask.bytes()}, mask};
   return false;

@@ -219,7 +219,12 @@ bool frmRestrictRun::write() {
     const Status status = differs ? writeRestrictedPrograms(session(), programs) : ERROR_SUCCESS;
     return status == ERROR_SUCCESS ? record(warning, without) : status;
   });
-  if (!written) return false;
+  if (!written) {
+    // It may stand there and have failed to reach the disk.
+    RestrictedPrograms now;
+    if (readRestrictedPrograms(session(), now) == ERROR_SUCCESS) shown_ = now;
+    return false;
+  }
   if (differs) session().g_bRebootNeeded = true;
   if (warning.asked && !warning.agreed) {
     tell("What you wish to go on using has been added to the allowed applications.");

@@ -1,6 +1,11 @@
 // What this dialog has beyond its rows.
 #include "dialogs/system/frm_more_security.h"
 
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 namespace korvex::dialogs {
 
 namespace {
@@ -25,6 +30,11 @@ frmMoreSecurity::frmMoreSecurity(const DialogParts& parts)
   auto& label = own<forms::Label>("lblHideDrives", "Hide dri&ves in My Computer", drives);
   addTo(kMore, forms::Layout::row(
                    {forms::Layout::of(label), forms::Layout::of(*drives), forms::Layout::space()}));
+  // In the shorter of the two columns.
+  forms::Layout more = takeGroup(kMore);
+  std::vector<forms::Layout>& groups = layout.parts.front().parts;
+  const auto explorer = std::ranges::find(groups, fraExplorer.Caption.get(), &forms::Layout::title);
+  groups.insert(explorer + 1, std::move(more));
 }
 
 bool frmMoreSecurity::accepts(const engine::Tweak& tweak, const forms::CheckBox& box) {
