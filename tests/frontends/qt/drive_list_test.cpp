@@ -34,7 +34,10 @@ struct DriveList : ::testing::Test {
   QListView& list = dynamic_cast<QListView&>(*view.widgetOf(form.lstDrives));
 
   QVariant shown(int row, int role) const { return list.model()->index(row, 0).data(role); }
-  bool hasPicture(int row) const { return !shown(row, Qt::DecorationRole).value<QIcon>().isNull(); }
+  bool hasPicture(int row) const {
+    const QImage image = shown(row, Qt::DecorationRole).value<QIcon>().pixmap(16).toImage();
+    return !image.isNull() && image.pixelColor(8, 8).alpha() > 0;
+  }
 };
 
 TEST_F(DriveList, PicturesStayWithTheirItemsAndAreTold) {
