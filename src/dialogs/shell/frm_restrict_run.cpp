@@ -55,7 +55,10 @@ frmRestrictRun::frmRestrictRun(const DialogParts& parts, LogonBitmapDesk& desk)
   onPress(cmdAdd, [this] { cmdAdd_Click(); });
   onPress(cmdRemove, [this] { cmdRemove_Click(); });
   onPress(cmdFormer, [this] { cmdFormer_Click(); });
-  cmdDone.Click += [this] { close(); };
+  // Written by then, so that whoever drives the window sees it as what the button did.
+  cmdDone.Click += [this] {
+    if (QueryUnload()) close();
+  };
   cmdCancel.Click += [this] {
     cancelled_ = true;
     close();
