@@ -1,6 +1,7 @@
 // shell-folders list, set and default: what the window with the shell folders does, for scripts.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <ostream>
 
 #include "cli/backup_machine.h"
@@ -150,9 +151,10 @@ ExitCode toDefault(Context& context, const FolderOptions& options) {
   } else {
     meant.push_back(named(paths, options.name));
     if (!meant[0].byDefault) {
-      throw Failure(ExitCode::Failed, "no-default",
-                    fmt::format("This Windows has no folder {} by itself. Nothing was changed.",
-                                printable(meant[0].name)));
+      throw Failure(
+          ExitCode::Failed, "no-default",
+          fmt::format("Korvex knows no default of {} in this Windows. Nothing was changed.",
+                      printable(meant[0].name)));
     }
   }
   const std::vector<ShellFolder> changed = ShellFolderPaths::withoutDefault(meant);

@@ -94,7 +94,11 @@ ExitCode list(Context& context) {
     if (context.json) continue;
     context.out << fmt::format("deleted {}: {} ({})\n", item.id, printable(item.name), item.when);
   }
-  if (context.json) print(context.out, json);
+  if (context.json) {
+    print(context.out, json);
+  } else if (json["entries"].empty()) {
+    context.note("There is no program that can be uninstalled.");
+  }
   return ExitCode::Done;
 }
 

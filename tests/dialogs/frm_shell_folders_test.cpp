@@ -140,6 +140,14 @@ TEST_F(ShellFolders2000, APathBelowTheProfileRoams) {
   EXPECT_EQ('"' + profile + "\\100%\\x\" \"" + profile + "\\100%\\x\"", stored("Desktop"));
 }
 
+TEST_F(ShellFolders2000, ALaterWindowsHasItsFoldersElsewhere) {
+  session.g_verInfo.majorVersion = 6;
+  select("Personal");
+  EXPECT_FALSE(dialog().cmdDefault.Enabled || dialog().cmdDefaults.Enabled);
+  change("Personal", "C:\\SURVEYPLOT");
+  EXPECT_EQ("\"C:\\SURVEYPLOT\" expand \"C:\\SURVEYPLOT\"", stored("Personal"));
+}
+
 TEST_F(ShellFolders98, RunningProgramsKeepTheirFolders) {
   windows.classes = {"IEFrame"};
   for (const char* name : {"Cache", "Cookies", "Favorites", "History", "AppData", "Content"}) {

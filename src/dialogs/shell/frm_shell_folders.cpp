@@ -56,15 +56,13 @@ void frmShellFolders::arrange() {
 
 void frmShellFolders::p_DetermineShellFolders() {
   session().trace.enter("[p_DetermineShellFolders]");
-  for (forms::Control* control : std::initializer_list<forms::Control*>{
-           &cboShellFolders, &txtPath, &txtDefault, &cmdDefaults}) {
+  for (forms::Control* control :
+       std::initializer_list<forms::Control*>{&cboShellFolders, &txtPath, &txtDefault}) {
     control->Enabled = true;
   }
   cboShellFolders.ToolTipText = "The special folders of the user";
   txtPath.ToolTipText = "Where Windows looks for the chosen folder";
   txtDefault.ToolTipText = "Where this Windows has the chosen folder by itself";
-  cmdDefaults.ToolTipText =
-      std::string("Puts all folders back to where this Windows has them by itself.") + kFilesStay;
   const std::string chosen = cboShellFolders.selectedItem();
   const Status status = paths_.read(shown_);
   noteRead(status);
@@ -77,6 +75,13 @@ void frmShellFolders::p_DetermineShellFolders() {
     cboShellFolders.ListIndex = found == items.end() ? 0 : static_cast<int>(found - items.begin());
   }
   StatusText = "";
+  cmdDefaults.Enabled = std::ranges::any_of(
+      shown_, [](const ShellFolder& folder) { return folder.byDefault.has_value(); });
+  cmdDefaults.ToolTipText =
+      cmdDefaults.Enabled
+          ? std::string("Puts all folders back to where this Windows has them by itself.") +
+                kFilesStay
+          : "Korvex knows no defaults of this Windows: it is later than Windows 2000.";
   showSelected();
 }
 
@@ -114,11 +119,11 @@ void frmShellFolders::showSelected() {
   cmdChange.Enabled = folder != nullptr;
   cmdChange.ToolTipText = std::string("Chooses another folder instead.") + kFilesStay;
   cmdDefault.Enabled = folder != nullptr && folder->byDefault && !folder->isDefault();
-  cmdDefault.ToolTipText = folder == nullptr    ? "Choose a folder first."
-                           : !folder->byDefault ? "This Windows has no such folder by itself."
-                           : folder->isDefault()
-                               ? "The folder has its default path."
-                               : std::string("Writes the default path.") + kFilesStay;
+  cmdDefault.ToolTipText =
+      folder == nullptr     ? "Choose a folder first."
+      : !folder->byDefault  ? "Korvex knows no default of this folder in this Windows."
+      : folder->isDefault() ? "The folder has its default path."
+                            : std::string("Writes the default path.") + kFilesStay;
 }
 
 bool frmShellFolders::mayChange(std::string_view name) const {

@@ -121,6 +121,12 @@ constexpr std::array<std::string_view, 6> kOfBrowser{"CACHE",   "COOKIES", "FAVO
                                                      "HISTORY", "APPDATA", "CONTENT"};
 constexpr std::string_view kOfOutlook = "APPDATA";
 
+// A prefix of Wine may be a later Windows, which has its folders elsewhere.
+bool isKnownWindows(const foundation::Session& session) {
+  const auto& version = session.g_verInfo;
+  return version.majorVersion == 4 || (version.majorVersion == 5 && version.minorVersion == 0);
+}
+
 bool isText(const RawValue& value) { return value.type == REG_SZ || value.type == REG_EXPAND_SZ; }
 
 bool sameData(const RawValue& one, const RawValue& other) {
@@ -210,6 +216,7 @@ Status ShellFolderPaths::readOne(std::string_view name, ShellFolder& folder) con
 }
 
 std::optional<std::string> ShellFolderPaths::defaultOf(const ShellFolder& folder) const {
+  if (!isKnownWindows(session_)) return std::nullopt;
   const Families family = engine::familyOf(session_);
   const auto row = std::ranges::find_if(kDefaults, [&](const DefaultRow& one) {
     return sameName(one.name, folder.name) && (one.families & family) != 0;

@@ -23,7 +23,7 @@ struct ShellFolder {
   std::string userPath;  // of User Shell Folders, with its variables filled in
   engine::RawValue plain;
   engine::RawValue user;
-  std::optional<std::string> byDefault;  // nothing where this Windows has no such folder
+  std::optional<std::string> byDefault;  // nothing where this Windows has none by itself
 
   bool isDefault() const;  // in both keys
   bool operator==(const ShellFolder& other) const;
