@@ -150,12 +150,12 @@ ExitCode toDefault(Context& context, const FolderOptions& options) {
     meant = allFolders(paths);
   } else {
     meant.push_back(named(paths, options.name));
-    if (!meant[0].byDefault) {
-      throw Failure(
-          ExitCode::Failed, "no-default",
-          fmt::format("Korvex knows no default of {} in this Windows. Nothing was changed.",
-                      printable(meant[0].name)));
-    }
+  }
+  if (std::ranges::none_of(meant, [](const auto& one) { return one.byDefault.has_value(); })) {
+    const std::string what = options.name.empty() ? "any folder" : printable(meant[0].name);
+    throw Failure(
+        ExitCode::Failed, "no-default",
+        fmt::format("Korvex knows no default of {} in this Windows. Nothing was changed.", what));
   }
   const std::vector<ShellFolder> changed = ShellFolderPaths::withoutDefault(meant);
   for (const ShellFolder& folder : changed) expectClosed(paths, folder);
