@@ -110,6 +110,7 @@ _korvex() {{
     --page) words="{pages}"; path="-" ;;
     --answer) words="yes no ok cancel"; path="-" ;;
     --only) words="{categories}"; path="-" ;;
+    --area) words="Reg_Run Reg_RunII Reg_RunOnce Win_Load Win_Run StartUp"; path="-" ;;
     --undo) mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
   esac
   case $path in

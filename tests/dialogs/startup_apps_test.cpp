@@ -57,6 +57,7 @@ struct Where {
   StartupArea area;
   std::string name;
 };
+void PrintTo(const Where& where, std::ostream* out) { *out << where.name; }
 
 const Where kRunLine{StartupArea::WinRun, "C:\\UTIL\\CLIPCAT.EXE"};
 const Where kUserFile{StartupArea::StartUp, "Desk Reminder.lnk"};
