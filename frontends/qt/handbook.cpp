@@ -160,11 +160,14 @@ bool writeHandbookPage(FormView& view, const std::string& purpose, const QString
 }
 
 bool canBeUsed(const forms::Form& form) {
-  return std::any_of(form.controls().begin(), form.controls().end(), [](const Control* control) {
+  std::vector<const Control*> others;
+  for (const Control* control : form.controls()) {
     const auto* button = dynamic_cast<const forms::CommandButton*>(control);
     const bool closes = button != nullptr && button->role() == forms::CommandButton::Role::Cancel;
-    return isTold(*control) && !closes && control->Visible && control->Enabled;
-  });
+    if (isTold(*control) && !closes && control->Visible) others.push_back(control);
+  }
+  return others.empty() || std::any_of(others.begin(), others.end(),
+                                       [](const Control* c) { return c->Enabled.get(); });
 }
 
 }  // namespace korvex::qt
