@@ -133,7 +133,8 @@ struct Tweak {
   std::string_view otherCaption = {};
   std::string_view toolTip = {};
   // Of a special: what it writes, checked and unchecked, for people. Key and value are told before
-  // a text that begins with "Checked:"; any other one names what it works on itself.
+  // a text that begins with "Checked:", "The number of the field", "The text of the field" or "A
+  // DWORD:"; any other one names what it works on itself.
   std::string_view writes = {};
   Families families = kEvery;
   // Of these, the Windows that have it only with the desktop update of Internet Explorer 4.

@@ -82,7 +82,6 @@ class frmMain : public forms::Form {
   StartResult startResult_ = StartResult::NotYet;
   bool discardAgreed_ = false;
   std::string machineText_;
-
 };
 
 }  // namespace korvex::main_window

@@ -2,11 +2,11 @@
 // 2000. Keys are those of Office 2000; the rows of an application share what stands in its
 // function.
 #include "engine/office.h"
-#include "engine/office_assistant.h"
 
 #include <array>
 
 #include "engine/catalogue/rows.h"
+#include "engine/office_assistant.h"
 #include "engine/readers.h"
 #include "engine/reg_worker.h"
 
