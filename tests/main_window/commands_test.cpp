@@ -82,8 +82,9 @@ TEST_P(ClearCommand, TakesWhatItNamesAndNothingElse) {
   auto& pressed = button(run, GetParam().button);
   const Contents before = contents();
   for (const auto& [name, data] : before) {
-    const bool goes = std::ranges::any_of(
-        GetParam().gone, [&name = name](const std::string& gone) { return name.starts_with(gone); });
+    const bool goes = std::ranges::any_of(GetParam().gone, [&name = name](const std::string& gone) {
+      return name.starts_with(gone);
+    });
     if (!goes) expected[name] = data;
   }
   ASSERT_TRUE(expected.contains(GetParam().kept)) << "is not there";

@@ -71,7 +71,8 @@ TEST(ValueText, NonsenseIsRefused) {
       {"REG_SZ", {"a", "b"}},        {"REG_MULTI_SZ", {"a", ""}},
   };
   for (const auto& [type, data] : cases) {
-    EXPECT_EQ("bad-data", failureKind([&type = type, &data = data] { parseValue(type, data); })) << type << data[0];
+    EXPECT_EQ("bad-data", failureKind([&type = type, &data = data] { parseValue(type, data); }))
+        << type << data[0];
   }
   EXPECT_EQ("bad-type", failureKind([] { parseValue("REG_SZZ", {"a"}); }));
   EXPECT_EQ("bad-type", failureKind([] { parseValue("REG_TYPE_0x", {"a"}); }));
