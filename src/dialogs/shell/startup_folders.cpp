@@ -174,7 +174,8 @@ Status StartupFolders::switchedOff(StartupEntries& entries) {
         found, [&](const StartupEntry& entry) { return sameName(entry.record, record.name); });
     if (!hasFile) found.push_back(switchedOffEntry(record.name, shownText(record.value)));
   }
-  std::ranges::stable_partition(found, [](const StartupEntry& entry) { return !entry.allUsers; });
+  std::stable_partition(found.begin(), found.end(),
+                        [](const StartupEntry& entry) { return !entry.allUsers; });
   entries.insert(entries.end(), found.begin(), found.end());
   return status;
 }

@@ -4,12 +4,14 @@
 
 #include <memory>
 
+#include "platform/common/ini_files.h"
 #include "platform/machine.h"
 
 namespace korvex::platform {
 
-// Null: the inner machine's own part. Parts are not owned. A replaced part serves its callers only:
-// the inner machine's other parts (its registry editor, say) keep using the original.
+// Null: the inner machine's own part; INI files are those of replaced files. Parts are not owned. A
+// replaced part serves its callers only: the inner machine's other parts (its registry editor, say)
+// keep using the original.
 struct MachineParts {
   Registry* registry = nullptr;
   Files* files = nullptr;
@@ -21,7 +23,12 @@ struct MachineParts {
 
 class ComposedMachine : public Machine {
  public:
-  ComposedMachine(Machine& inner, MachineParts parts) : inner_(inner), parts_(parts) {}
+  ComposedMachine(Machine& inner, MachineParts parts) : inner_(inner), parts_(parts) {
+    if (parts.files == nullptr || parts.initFiles != nullptr) return;
+    const auto* ini = dynamic_cast<const IniFiles*>(&inner.initFiles());
+    if (ini != nullptr) iniOfFiles_ = ini->over(*parts.files);
+    parts_.initFiles = iniOfFiles_.get();
+  }
 
   Registry& registry() override { return parts_.registry ? *parts_.registry : inner_.registry(); }
   InitFiles& initFiles() override {
@@ -43,6 +50,7 @@ class ComposedMachine : public Machine {
  private:
   Machine& inner_;
   MachineParts parts_;
+  std::unique_ptr<IniFiles> iniOfFiles_;
 };
 
 }  // namespace korvex::platform

@@ -4,6 +4,7 @@
 // begins with FF FE is UTF-16, as NT keeps them; every other one is in the machine's code page.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/common/ini_document.h"
@@ -18,6 +19,11 @@ class IniFiles : public InitFiles {
   // windowsFolder is a Windows path. A new section is set off by a blank line on 95, 98 and Me and
   // follows at once on NT and 2000.
   IniFiles(Files& files, std::string windowsFolder, const CodePage& codePage, SectionGap gap);
+
+  // The same functions over other files, such as a decorator of these.
+  std::unique_ptr<IniFiles> over(Files& files) const {
+    return std::make_unique<IniFiles>(files, windowsFolder_, codePage_, gap_);
+  }
 
   std::string GetPrivateProfileStringA(std::optional<std::string_view> section,
                                        std::optional<std::string_view> key,

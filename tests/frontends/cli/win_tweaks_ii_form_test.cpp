@@ -1,4 +1,7 @@
 // frmWinTweaksII from a script: its rows, and what it writes at once.
+#include <fstream>
+#include <iterator>
+
 #include "frontends/cli/cli_fixture.h"
 
 namespace korvex::cli {
@@ -33,6 +36,25 @@ Json controlOf(const Json& form, const std::string& name) {
     if (control["name"] == name) return control;
   }
   return nullptr;
+}
+
+// An INI file is a file like any other: told, and taken back with everything else.
+TEST_F(WinTweaksIIOn98, IniFilesAreToldAndTakenBackWithTheRun) {
+  const std::filesystem::path ini = machine.driveC() / "WINDOWS" / "SYSTEM.INI";
+  const auto content = [&ini] {
+    std::ifstream file(ini, std::ios::binary);
+    return std::string{std::istreambuf_iterator<char>(file), {}};
+  };
+  const std::string before = content();
+  ASSERT_FALSE(before.empty());
+  EXPECT_EQ(5, korvex({"form", "run", "frmWinTweaksII", "press=cmdlblIconCache", "input=2048",
+                       "press=cmdNoSuchButton"})
+                   .code);
+  EXPECT_EQ(before, content());
+  const auto run = korvex({"form", "run", "frmWinTweaksII", "press=cmdlblIconCache", "input=2048"});
+  EXPECT_EQ(0, run.code);
+  EXPECT_NE(before, content());
+  EXPECT_NE(std::string::npos, run.out.find("SYSTEM.INI")) << run.out;
 }
 
 TEST_F(WinTweaksIIOn98, TheRowsWaitForTheMainApply) {
