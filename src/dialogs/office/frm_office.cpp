@@ -196,6 +196,10 @@ void frmOffice::showExcelFont() {
   const platform::Status status =
       engine::storedText(session(), engine::HKCU, engine::excelOptionsKey(session()), kFont, text);
   session().trace.dump("lRetVal&", status);
+  if (status != platform::ERROR_SUCCESS) {
+    txtExcelFont.Text = fmt::format("({})", platform::describeStatus(status));
+    return;
+  }
   const platform::FontChoice font = fontIn(text);
   txtExcelFont.Text = fmt::format("{}, {}", font.name, font.points);
 }

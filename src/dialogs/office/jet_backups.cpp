@@ -35,9 +35,6 @@ constexpr std::array kSavedKeys{
 // The file of a key that was not there: putting it back takes away what came since.
 constexpr std::string_view kNoSuchKey = "REGEDIT4\r\n\r\n; There was no such key.\r\n";
 
-// Of a message box: No answers Enter.
-constexpr int kSecondButton = 0x100;
-
 bool isMissing(Status status) {
   return status == platform::ERROR_FILE_NOT_FOUND || status == platform::ERROR_PATH_NOT_FOUND;
 }
@@ -107,7 +104,7 @@ bool JetBackups::backUpOnce(When when) {
         session_,
         fmt::format("{}{}{}Restore Defaults could not bring them back. Change them all the same?",
                     text, kCrLf, kCrLf),
-        platform::kIconExclamation | kSecondButton);
+        platform::kIconExclamation | platform::kDefaultButton2);
   }
   if (!told_) engine::tell(session_, text, platform::kIconExclamation);
   told_ = true;
